@@ -1,0 +1,18 @@
+#pragma once
+
+#include <functional>
+
+/// Runs `work` on the main thread in its event loop, also while a modal box is open there. Any
+/// thread; returns at once. Without an application the work is dropped.
+void performOnMainThread(std::function<void()> work);
+
+/// Blocks for the main thread, strictly one after another: while one of them shows a modal box, the
+/// next one waits.
+class MainQueue {
+ public:
+  /// Any thread; returns at once.
+  void post(std::function<void()> block);
+};
+
+/// The main queue of the process.
+extern MainQueue mainQueue;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+/// What the program asks of and tells the user. The window implements it with message boxes and
+/// file panels, tests answer by themselves, and the device link speaks through it without knowing
+/// widgets.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  /// Shows `text` in a box titled "Morvel GPS" with the single button "OK". Any thread; returns at
+  /// once, the box appears on the main thread.
+  virtual void message(const QString& text) = 0;
+
+  /// Asks `text` in a box titled "消去" with the buttons "キャンセル" (the default) and "消去";
+  /// true only for "消去". Main thread; returns when answered.
+  virtual bool confirmErase(const QString& text) = 0;
+
+  /// A file to write, restricted to the extension `type` ("TCX", "GPX", "db3"), with the panel's
+  /// title and a preset name without extension. Null when cancelled. Main thread.
+  virtual QString fileToSave(const QString& title, const QString& name, const QString& type) = 0;
+
+  /// An existing file with the extension `type`. Null when cancelled. Main thread.
+  virtual QString fileToOpen(const QString& title, const QString& type) = 0;
+};
