@@ -1,1 +1,81 @@
 #include "data/dataControl.h"
+
+#include "data/bundle.h"
+#include "data/connection.h"
+#include "data/schema.h"
+
+#include <QFile>
+#include <sqlite3.h>
+
+namespace {
+
+/// How long a statement waits for another connection's lock, in milliseconds. Without it, a
+/// calendar that reads while a download is stored makes whole runs fail.
+constexpr int busyLimit = 5000;
+
+}  // namespace
+
+dataControl::dataControl() {
+  createDB();
+}
+
+dataControl::~dataControl() {
+  close_db();
+}
+
+sqlite3* dataControl::open_db() {
+  if (db != nullptr) {
+    return db;
+  }
+  const QString path = databasePath(mainBundle());
+  if (path.isNull()) {
+    return nullptr;
+  }
+  // Without SQLite's own mutex: a store object belongs to one thread.
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  const int result = sqlite3_open_v2(QFile::encodeName(path).constData(), &db, flags, nullptr);
+  connection_.reset(db);
+  if (result != SQLITE_OK) {
+    qCWarning(dataLog).noquote() << path << sqlite3_errmsg(db);
+    connection_.reset();
+    return nullptr;
+  }
+  sqlite3_busy_timeout(db, busyLimit);
+  return db;
+}
+
+int dataControl::close_db() {
+  if (db == nullptr) {
+    return -1;
+  }
+  const int result = usable() == nullptr ? SQLITE_MISUSE : sqlite3_close(connection_.release());
+  db = nullptr;
+  return result;
+}
+
+void dataControl::createDB() {
+  open_db();
+  Query probe(usable(), QByteArrayLiteral("select * from T_RunData"));
+  probe.next();  // the first row tells enough
+  if (!probe.failed()) {
+    return;
+  }
+  syncEveryCommit();
+  for (const char* statement : createTables) {
+    execute(usable(), statement);
+  }
+  // `db` stays set: an object that had to make the tables is dead until its close_db().
+  connection_.reset();
+}
+
+sqlite3* dataControl::usable() const {
+  return db == connection_.get() ? db : nullptr;
+}
+
+void dataControl::syncEveryCommit() {
+  execute(usable(), "PRAGMA synchronous=EXTRA");
+}
+
+qint32 dataControl::getInt() {
+  return 100;
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data/connection.h"
 #include "data/records.h"
 
 #include <QByteArray>
@@ -85,5 +86,15 @@ class dataControl {
   qint32 deleteAllData();
   /// Executes any text; leaves the connection open.
   void deleteRecord(const QString& sql);
+  /// 100.
   qint32 getInt();
+
+ private:
+  /// `db` when it may be given to SQLite, else null.
+  sqlite3* usable() const;
+  /// A commit is not over before a power cut can no longer undo it. For connections that write.
+  void syncEveryCommit();
+  qint32 deleteWhere(const QByteArray& condition);
+
+  Connection connection_;  ///< What `db` shows; empty while `db` is empty or dead.
 };

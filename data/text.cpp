@@ -130,7 +130,7 @@ double toDouble(QStringView value) {
     // Tells too large (infinite) from too small (0), which std::from_chars does not.
     result = QByteArrayView(number.constData(), number.size()).toDouble();
   }
-  return negative ? -result : result;
+  return negative && !number.isEmpty() ? -result : result;
 }
 
 QString fixed(double value, int decimals) {

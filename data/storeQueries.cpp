@@ -1,0 +1,153 @@
+// The questions that the store answers.
+
+#include "data/connection.h"
+#include "data/dataControl.h"
+#include "data/text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double centimetresPerKilometre = 100000.0;
+
+QByteArray withText(QByteArrayView before, const QString& value, QByteArrayView after) {
+  QByteArray sql = before.toByteArray();
+  text::appendShown(sql, value);
+  return sql.append(after);
+}
+
+QByteArray withNumber(QByteArrayView before, qint64 number, QByteArrayView after = {}) {
+  QByteArray sql = before.toByteArray();
+  text::appendNumber(sql, number);
+  return sql.append(after);
+}
+
+QByteArray startedBetween(const QString& first, const QString& last) {
+  return withText(" Where T_RunStartTime Between '", first, "' and '") + withText("", last, "' ");
+}
+
+runData runOf(Query& row) {
+  const QString distance = text::fixed(text::toDouble(row.text(4)) / centimetresPerKilometre, 3);
+  return {row.text(1),     row.text(2),     row.text(3),
+          distance,        row.text(5),     static_cast<qint32>(row.integer(6)),
+          row.text(7),     row.text(8),     row.text(9),
+          row.text(10),    row.text(11),    row.text(12),
+          row.integer(13), row.text(14),    row.text(15),
+          row.text(16),    row.text(17),    row.text(18),
+          row.text(19),    row.integer(20), row.text(21),
+          row.text(22)};
+}
+
+lapData lapOf(Query& row) {
+  return {
+      row.text(1),  row.text(2),  row.text(3),  row.text(4),  static_cast<qint32>(row.integer(5)),
+      row.text(6),  row.text(7),  row.text(8),  row.text(9),  row.text(10),
+      row.text(11), row.text(12), row.text(13), row.text(14), row.integer(15)};
+}
+
+// Filled member by member, which moves the texts; a run has thousands of points.
+trackPointData pointOf(Query& row) {
+  trackPointData point;
+  point.T_PointTime = row.text(1);
+  point.T_PointLongitude = row.text(2);
+  point.T_PointLogSign = row.text(3);
+  point.T_PointLatitude = row.text(4);
+  point.T_PointLatSign = row.text(5);
+  point.T_PointLongitudeN = row.text(6);
+  point.T_PointLatitudeN = row.text(7);
+  point.T_PointSpeed = row.text(8);
+  point.T_PointHR = row.text(9);
+  point.T_PointAlti = row.text(10);
+  point.T_PointTimeZone = row.text(11);
+  point.T_PointDistance = row.text(12);
+  point.T_PointCal = row.text(13);
+  point.T_Setid = row.integer(14);
+  point.T_Cnumber = row.integer(15);
+  return point;
+}
+
+bool isWithoutFix(const trackPointData& point) {
+  return point.T_PointLogSign == u"0" && !point.T_PointLatSign.isEmpty();
+}
+
+}  // namespace
+
+RunDictionary dataControl::getRunData(const QString& start, const QString& endDateStr) {
+  const bool all = start.toUpper() == u"ALL";
+  Query row(usable(),
+            "Select * From T_RunData " +
+                (all ? QByteArrayLiteral(" Where 1=1 ") : startedBetween(start, endDateStr)) +
+                " Order by datetime(T_RunStartTime) desc;");
+  RunDictionary runs;
+  QStringList keys;
+  while (row.next()) {
+    runData run = runOf(row);
+    const QString key = text::padded(run.T_Cnumber, 2);
+    keys.append(key);
+    runs.insert(key, std::move(run));
+  }
+  if (row.failed()) {
+    return {};
+  }
+  if (!keys.isEmpty()) {
+    runKeyArray = keys;
+  }
+  return runs;
+}
+
+LapDictionary dataControl::getLapData(qint32 number) {
+  Query row(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
+                                 " order by T_LapNo Asc"));
+  LapDictionary laps;
+  while (row.next()) {
+    laps.insert(row.joined(15, 5), lapOf(row));
+  }
+  return row.failed() ? LapDictionary() : laps;
+}
+
+PointDictionary dataControl::getTrackData(qint32 number) {
+  Query row(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
+                                 " order by T_SetId Asc"));
+  PointDictionary points;
+  qint64 rows = 0;
+  qint64 withFix = 0;
+  while (row.next()) {
+    trackPointData point = pointOf(row);
+    ++rows;
+    withFix += isWithoutFix(point) ? 0 : 1;
+    points.insert(row.joined(15, 14), std::move(point));
+  }
+  if (row.failed()) {
+    return {};
+  }
+  if (rows > 0) {
+    trackCount = withFix;
+  }
+  return points;
+}
+
+QString dataControl::GetTrackName(qint64 number) {
+  Query row(usable(), withNumber("Select * From T_RunData Where T_Cnumber=", number));
+  return row.next() ? row.text(1) : u""_s;
+}
+
+qint32 dataControl::getRunDataTF(const QString& day) {
+  Query row(usable(), "Select * From T_RunData " +
+                          startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s));
+  return row.next() ? 1 : 0;
+}
+
+qint32 dataControl::checkRecord(const QString& startTime) {
+  Query row(usable(),
+            withText("Select Count(ID) From T_RunData Where T_RunStartTime ='", startTime, "';"));
+  if (!row.next()) {
+    return -1;
+  }
+  return row.integer(0) > 0 ? 1 : 0;
+}
+
+qint64 dataControl::getMaxCnumber(const QString& table) {
+  db = open_db();
+  Query row(usable(), withText("Select Max(T_Cnumber) From ", table, ""));
+  return row.next() ? qMax<qint64>(row.integer(0), 0) : 0;
+}
