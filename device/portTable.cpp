@@ -1,0 +1,30 @@
+#include "device/portTable.h"
+
+#include <QFileInfo>
+
+PortTable& PortTable::instance() {
+  static auto* table = new PortTable;  // outlives detached threads that still use it at exit
+  return *table;
+}
+
+bool PortTable::claim(const QString& node, const std::shared_ptr<PortHolder>& holder,
+                      const std::shared_ptr<WatchSession>& session) {
+  const QString resolved = QFileInfo(node).canonicalFilePath();
+  const std::lock_guard lock(mutex);
+  Use& use = uses_[resolved.isEmpty() ? node : resolved];
+  const std::shared_ptr<PortHolder> user = use.holder.lock();
+  const std::shared_ptr<WatchSession> conversation = use.session.lock();
+  if (user != holder && !(user && user->lineLost())) {
+    if (conversation && conversation != session) {
+      return false;
+    }
+    if (user && user->isConversing()) {
+      return false;
+    }
+  }
+  if (user && user != holder) {
+    user->giveWay();
+  }
+  use = {holder, session};
+  return true;
+}
