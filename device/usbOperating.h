@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -198,18 +199,21 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   void giveWay() override;
 
   bool portIsOpen() const;
-  bool ensurePort();
+  void ensurePort();
   QString openNode(const QString& node, qint32 baud);
   void startReceiveThread();
   void closePort();
   std::shared_ptr<SerialPort> currentPort() const;
-  void awaitThreadEnd() const;
 
   bool actOnLine(const QString& line, SerialPort& port);
   void finishDownload(SerialPort& port);
   void clearLines();
   QStringList receivedLines();
-  bool write(std::span<const quint8> bytes);
+  void keepLines();
+
+  void request(const QString& command);
+  void awaitBlock();
+  void write(std::span<const std::byte> bytes);
 
   const DeviceEnvironment environment_;
   const std::weak_ptr<WatchSession> session_;

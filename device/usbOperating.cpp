@@ -1,0 +1,63 @@
+#include "device/usbOperating.h"
+
+#include "device/dialogs.h"
+
+#include <QLoggingCategory>
+#include <thread>
+
+Q_LOGGING_CATEGORY(lcDevice, "trakko.device", QtInfoMsg)
+
+std::shared_ptr<usbOperating> usbOperating::create(const DeviceEnvironment& environment,
+                                                   const std::shared_ptr<WatchSession>& session) {
+  return std::make_shared<usbOperating>(CreateKey{}, environment, session);
+}
+
+usbOperating::usbOperating(CreateKey, const DeviceEnvironment& environment,
+                           const std::shared_ptr<WatchSession>& session)
+    : environment_(environment), session_(session) {}
+
+// An open port is not closed here but by the receive thread, which keeps the object alive until
+// the line is gone or another opening takes the port.
+usbOperating::~usbOperating() = default;
+
+usbOperating::Operation::Operation(usbOperating& usb) : usb_(usb) {
+  const std::lock_guard lock(PortTable::instance().mutex);
+  ++usb_.operations_;
+}
+
+usbOperating::Operation::~Operation() {
+  --usb_.operations_;
+}
+
+bool usbOperating::isConversing() const {
+  return operations_ > 0;
+}
+
+bool usbOperating::lineLost() const {
+  return lineLost_;
+}
+
+void usbOperating::giveWay() {
+  closeMyDevice();
+  while (readThreadRunning) {
+    std::this_thread::yield();
+  }
+}
+
+void usbOperating::setCUSB() {
+  checkUSB = false;
+}
+
+void usbOperating::alertUSB(const QString& message) {
+  alert = WatchAlert{QStringLiteral("Morvel GPS"), QStringLiteral("OK"), message};
+  qCInfo(lcDevice, "%s", qUtf8Printable(message));
+  if (environment_.dialogs) {
+    environment_.dialogs->message(message);
+  }
+}
+
+void usbOperating::alertEnded(const WatchAlert& /*ended*/, qint32 code, const void* /*context*/) {
+  if (code == 1) {
+    convertChstr();
+  }
+}

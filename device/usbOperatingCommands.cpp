@@ -1,0 +1,174 @@
+// The conversation: commands, waits, result codes.
+
+#include "device/detachThread.h"
+#include "device/lastDownload.h"
+#include "device/receiveMode.h"
+#include "device/serialPort.h"
+#include "device/usbOperating.h"
+#include "device/watchCommands.h"
+
+#include <QLoggingCategory>
+#include <chrono>
+
+Q_LOGGING_CATEGORY(lcProtocol, "trakko.device.protocol", QtInfoMsg)
+
+namespace {
+
+constexpr qint32 allData = 1;
+/// A download of no more lines than this holds no run.
+constexpr qsizetype emptyDownloadLines = 2;
+
+enum Result : qint32 { noAnswer = 2, endMissed = 3, noRecords = 4 };
+
+}  // namespace
+
+bool usbOperating::linkCommand() {
+  const Operation operation(*this);
+  ensurePort();
+  if (!portIsOpen()) {
+    alertUSB(QStringLiteral("時計を認識出来ません、再度USB接続を確認して下さい。"));
+    return false;
+  }
+  checkGetDataType = receiveMode::link;
+  request(watchCommand::link);
+  if (!getDataOK) {
+    alertUSB(QStringLiteral("データが見当たりません、USBの接続を確認して下さい。"));
+    closePort();
+  }
+  return true;
+}
+
+qint32 usbOperating::getAllData() {
+  const Operation operation(*this);
+  getDataType = allData;
+  checkGetDataType = receiveMode::download;
+  ensurePort();
+  downloadDataFinish = false;
+  checkGetDataType = receiveMode::download;
+  clearLines();
+  request(watchCommand::downloadAll);
+  if (!getDataOK) {
+    checkStop = true;
+    return noAnswer;
+  }
+  while (!downloadDataFinish) {
+    checkTransmission();
+  }
+  keepLines();
+  if (!getDataOK || !downloadDataFinish) {
+    checkStop = true;
+    return endMissed;
+  }
+  downloadDataFinish = false;
+  if (receivedLines().size() <= emptyDownloadLines) {
+    return noRecords;
+  }
+  const qint32 result = convertChstr();
+  checkStop = true;
+  return result;
+}
+
+/// Before anything else is done with a download, and also when its end was missed: the user may
+/// have the watch erased next.
+void usbOperating::keepLines() {
+  const QStringList lines = receivedLines();
+  if (environment_.lastDownloadPath.isEmpty() || lines.size() <= emptyDownloadLines) {
+    return;
+  }
+  const QString error = keepDownload(environment_.lastDownloadPath, lines);
+  if (!error.isNull()) {
+    qCCritical(lcProtocol, "download not kept in %s: %s",
+               qUtf8Printable(environment_.lastDownloadPath), qUtf8Printable(error));
+  }
+}
+
+void usbOperating::deleteAllData() {
+  const Operation operation(*this);
+  ensurePort();
+  if (portIsOpen()) {
+    checkGetDataType = receiveMode::erase;
+    writeString(watchCommand::erase);
+  }
+}
+
+void usbOperating::lostLink() {
+  const Operation operation(*this);
+  if (portIsOpen()) {
+    checkGetDataType = receiveMode::disconnect;
+    writeString(watchCommand::disconnect);
+  }
+}
+
+/// Sends a command and waits for a block. The flag is cleared before the command goes out: a watch
+/// may answer before this thread runs again.
+void usbOperating::request(const QString& command) {
+  getDataOK = false;
+  writeString(command);
+  awaitBlock();
+}
+
+void usbOperating::checkTransmission() {
+  getDataOK = false;
+  awaitBlock();
+}
+
+void usbOperating::awaitBlock() {
+  using std::chrono::steady_clock;
+  const std::chrono::duration<double> limit(environment_.answerLimit);
+  const auto start = steady_clock::now();
+  while (!getDataOK) {
+    if (steady_clock::now() - start > limit) {
+      downloadFail = true;
+      return;
+    }
+    std::this_thread::yield();  // never starve the receive thread on a small machine
+  }
+}
+
+void usbOperating::write(std::span<const std::byte> bytes) {
+  if (!portIsOpen()) {
+    return;
+  }
+  if (const std::shared_ptr<SerialPort> port = currentPort()) {
+    port->write(bytes);
+  }
+}
+
+void usbOperating::writeString(const QString& hex) {
+  write(commandBytes(hex));
+}
+
+void usbOperating::writeByte(const quint8* byte) {
+  write(std::as_bytes(std::span(byte, 1)));
+}
+
+void usbOperating::threadGetAllData() {
+  getAllDataOK = false;
+  detachThread("watch-download", [self = shared_from_this()] { self->getAllData(); });
+}
+
+void usbOperating::tempSendThread() {
+  detachThread("watch-send", [self = shared_from_this()] { self->SendCommandStr(); });
+}
+
+void usbOperating::SendCommandStr() {
+  const Operation operation(*this);
+  if (getDataType != allData) {
+    writeString(QString());
+    return;
+  }
+  checkGetDataType = receiveMode::download;
+  getAllDataOK = false;
+  downloadDataFinish = false;
+  clearLines();
+  writeString(watchCommand::downloadAll);
+}
+
+void usbOperating::DataFinishCheck() {
+  if (receivedLines().size() <= emptyDownloadLines) {
+    alertUSB(QStringLiteral("データがありません。"));
+    return;
+  }
+  convertChstr();
+  checkStop = true;
+}

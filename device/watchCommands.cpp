@@ -1,0 +1,50 @@
+#include "device/watchCommands.h"
+
+namespace {
+
+constexpr unsigned letterUpper = 'A' - 10;
+constexpr unsigned letterLower = 'a' - 10;
+
+bool isDigit(char16_t character) {
+  return character >= u'0' && character <= u'9';
+}
+
+unsigned digitValue(char16_t character, bool upperCase) {
+  if (isDigit(character)) {
+    return static_cast<unsigned>(character) - '0';
+  }
+  return static_cast<unsigned>(character) - (upperCase ? letterUpper : letterLower);
+}
+
+std::byte pairValue(char16_t high, char16_t low) {
+  const bool upperCase = high >= u'A' && high <= u'F';
+  return static_cast<std::byte>((digitValue(high, upperCase) * 16 + digitValue(low, upperCase)) &
+                                0xFF);
+}
+
+}  // namespace
+
+namespace watchCommand {
+const QString link =
+    QStringLiteral("EEEE000000000000000000000000000000000000000000000000000000000000");
+const QString downloadAll =
+    QStringLiteral("0808AAAA00000000000000000000000000000000000000000000000000000000");
+const QString erase =
+    QStringLiteral("000000000000000000000000000000000000000000000000000000000000FFFD");
+const QString agpsStart =
+    QStringLiteral("4147505353540000000000000000000000000000000000000000000000000000");
+const QString disconnect =
+    QStringLiteral("FFFFFFFF00000000000000000000000000000000000000000000000000000000");
+}  // namespace watchCommand
+
+std::array<std::byte, 32> commandBytes(QStringView hex) {
+  std::array<std::byte, 32> bytes{};
+  for (std::size_t index = 0; index < bytes.size(); ++index) {
+    const auto at = static_cast<qsizetype>(2 * index);
+    if (at + 1 >= hex.size()) {
+      break;
+    }
+    bytes[index] = pairValue(hex[at].unicode(), hex[at + 1].unicode());
+  }
+  return bytes;
+}
