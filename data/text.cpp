@@ -134,12 +134,18 @@ double toDouble(QStringView value) {
 }
 
 QString fixed(double value, int decimals) {
+  QByteArray printed;
+  appendFixed(printed, value, decimals);
+  return QString::fromLatin1(printed);
+}
+
+void appendFixed(QByteArray& out, double value, int decimals) {
   const int digits = std::max(decimals, 0);
   // The largest double has 309 digits before the point; sign and point come on top.
   QVarLengthArray<char, 352> printed(std::numeric_limits<double>::max_exponent10 + 4 + digits);
   const auto result =
       std::to_chars(printed.begin(), printed.end(), value, std::chars_format::fixed, digits);
-  return QString::fromLatin1(printed.constData(), result.ptr - printed.constData());
+  out.append(printed.constData(), result.ptr - printed.constData());
 }
 
 QString padded(qint64 value, int width) {

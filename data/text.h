@@ -37,6 +37,9 @@ double toDouble(QStringView value);
 /// in the C locale.
 QString fixed(double value, int decimals);
 
+/// Appends fixed(value, decimals) to `out`.
+void appendFixed(QByteArray& out, double value, int decimals);
+
 /// The number with at least `width` characters, zeros in front, as printf's "%0<width>lld".
 QString padded(qint64 value, int width);
 
