@@ -13,7 +13,6 @@ namespace {
 
 constexpr int runCount = 20;
 constexpr int lapsPerRun = 10;
-constexpr int pointsPerRun = 2000;
 
 QString hexLine(const std::array<quint8, 36>& block) {
   return QString::fromLatin1(QByteArray::fromRawData(reinterpret_cast<const char*>(block.data()),
@@ -38,7 +37,7 @@ QString makeLine(int sequence, int key, quint8 type) {
   return hexLine(block);
 }
 
-QStringList makeLines() {
+QStringList makeLines(int64_t pointsPerRun) {
   QStringList lines;
   for (int run = 0; run < runCount; ++run) {
     for (int lap = 0; lap <= lapsPerRun; ++lap) {
@@ -54,7 +53,7 @@ QStringList makeLines() {
 }
 
 void decodeIntoRecords(benchmark::State& state) {
-  const QStringList lines = makeLines();
+  const QStringList lines = makeLines(state.range(0));
   DecodeContext context;
   context.zone = QTimeZone::utc();
   while (state.KeepRunning()) {
@@ -62,7 +61,7 @@ void decodeIntoRecords(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * lines.size());
 }
-BENCHMARK(decodeIntoRecords)->Unit(benchmark::kMillisecond);
+BENCHMARK(decodeIntoRecords)->Arg(250)->Arg(2000)->Unit(benchmark::kMillisecond);
 
 struct Field {
   size_t first;
@@ -88,7 +87,7 @@ unsigned nibble(char digit) {
 
 void tableDecoder(benchmark::State& state) {
   std::vector<std::string> lines;
-  for (const QString& line : makeLines()) {
+  for (const QString& line : makeLines(state.range(0))) {
     lines.push_back(line.toStdString());
   }
   while (state.KeepRunning()) {
@@ -106,7 +105,7 @@ void tableDecoder(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(lines.size()));
 }
-BENCHMARK(tableDecoder)->Unit(benchmark::kMillisecond);
+BENCHMARK(tableDecoder)->Arg(250)->Arg(2000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

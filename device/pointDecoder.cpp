@@ -5,10 +5,9 @@
 
 namespace {
 
-QString clockText(const Block& line, int hours, int minutes, int seconds) {
+QString clockText(quint64 hours, quint64 minutes, quint64 seconds) {
   return TextBuilder()
-      .clock(static_cast<qint64>(line.value({hours})), static_cast<qint64>(line.value({minutes})),
-             static_cast<qint64>(line.value({seconds})))
+      .clock(static_cast<qint64>(hours), static_cast<qint64>(minutes), static_cast<qint64>(seconds))
       .text();
 }
 
@@ -28,7 +27,7 @@ class Coordinate {
     } else {
       text.append(QString::number(text::toInteger(degrees)));
     }
-    text.append(u"°");
+    text.append(u'°');
     return appendMinutes(text).text();
   }
 
@@ -49,7 +48,7 @@ class Coordinate {
 
  private:
   TextBuilder& appendMinutes(TextBuilder& text) const {
-    return text.append(line_.text(minutes_)).append(u".").append(line_.text(minutes_ + 1, 2));
+    return text.append(line_.text(minutes_)).append(u'.').append(line_.text(minutes_ + 1, 2));
   }
 
   static quint64 decimalValue(QStringView digits) {
@@ -66,8 +65,8 @@ class Coordinate {
   int minutes_;
 };
 
-QString characterText(const Block& line, int piece) {
-  return TextBuilder().character(line.value({piece})).text();
+QString characterText(quint64 byte) {
+  return TextBuilder().character(byte).text();
 }
 
 }  // namespace
@@ -108,18 +107,20 @@ void PointDecoder::takePoint(const Block& line) {
   const Coordinate longitude(line, 20, 2);
   trackPointData& point =
       result_.batch
-          .pointMD[TextBuilder().append(line.runKey()).append(u"-").fiveDigits(number).text()];
-  point.T_PointTime = clockText(line, 8, 7, 6);
+          .pointMD[TextBuilder().append(line.runKey()).append(u'-').fiveDigits(number).text()];
+  point.T_PointTime = clockText(line.value({8}), line.value({7}), line.value({6}));
   point.T_PointLongitude = longitude.received();
-  point.T_PointLogSign = characterText(line, 25);
+  point.T_PointLogSign = longitudeSign_.text(line.value({25}), characterText);
   point.T_PointLatitude = latitude.received();
-  point.T_PointLatSign = characterText(line, 19);
+  point.T_PointLatSign = latitudeSign_.text(line.value({19}), characterText);
   point.T_PointLongitudeN = longitude.decimalDegrees();
   point.T_PointLatitudeN = latitude.decimalDegrees();
   point.T_PointSpeed = decimalText(line.value({4, 5}));
-  point.T_PointHR = decimalText(line.value({10, 11}));
-  point.T_PointAlti = decimalText(line.value({31, 30, 29, 28}));
-  point.T_PointTimeZone = clockText(line, 12, 13, 14);
+  point.T_PointHR = heartRate_.text(line.value({10, 11}), decimalText);
+  point.T_PointAlti = altitude_.text(line.value({31, 30, 29, 28}), decimalText);
+  const std::array<quint64, 3> timeZone{line.value({12}), line.value({13}), line.value({14})};
+  point.T_PointTimeZone = timeZone_.text(
+      timeZone, [](const auto& parts) { return clockText(parts[0], parts[1], parts[2]); });
   point.T_PointDistance = decimalText(line.value({3, 2, 1, 0}));
   point.T_PointCal = decimalText(line.value({27, 26}));
   point.T_Setid = number;

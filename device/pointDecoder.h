@@ -3,6 +3,26 @@
 #include "device/blockReader.h"
 #include "device/downloadDecoder.h"
 
+#include <array>
+
+/// The text of a value that mostly stays the same from point to point; equal neighbours share it.
+template <typename Value>
+class RepeatingText {
+ public:
+  template <typename Format>
+  const QString& text(const Value& value, Format format) {
+    if (text_.isNull() || value != value_) {
+      value_ = value;
+      text_ = format(value);
+    }
+    return text_;
+  }
+
+ private:
+  Value value_{};
+  QString text_;
+};
+
 /// Decodes the track point lines of a download, after its runs are known.
 ///
 /// The header of a track names its run by an index into the runs of this batch. The watch counts
@@ -26,4 +46,9 @@ class PointDecoder {
   QString runKey_;
   bool hasRun_ = false;
   qint64 number_ = 0;  // activity number of the current run
+  RepeatingText<quint64> longitudeSign_;
+  RepeatingText<quint64> latitudeSign_;
+  RepeatingText<quint64> heartRate_;
+  RepeatingText<quint64> altitude_;
+  RepeatingText<std::array<quint64, 3>> timeZone_;
 };

@@ -113,7 +113,7 @@ RunDecoder::Header RunDecoder::readHeader(const Block& line) const {
   header.avgHR = decimalText(line.value({25}));
   header.ascent = altitudeRecorded_ ? decimalText(line.value({31, 30, 29})) : zero;
   header.descent =
-      altitudeRecorded_ ? TextBuilder().append(u"-").number(line.value({28, 17, 16})).text() : zero;
+      altitudeRecorded_ ? TextBuilder().append(u'-').number(line.value({28, 17, 16})).text() : zero;
   return header;
 }
 
@@ -121,7 +121,7 @@ void RunDecoder::complete(const Block& line, const QString& key) {
   const QString elapsed = clockText(line, 0);
   const QString exTime = TextBuilder()
                              .append(elapsed)
-                             .append(u".")
+                             .append(u'.')
                              .twoDigits(static_cast<qint64>(line.value({3})))
                              .text();
   // The altitude flag is inverted: "0" is a run with altitude. Databases hold it this way.
@@ -153,7 +153,7 @@ void RunDecoder::takeLap(const Block& line, bool isLast) {
   const Duration duration = lapDuration(line);
   lap.T_LapTime = TextBuilder()
                       .clock(duration.hours, duration.minutes, duration.seconds)
-                      .append(u".")
+                      .append(u'.')
                       .twoDigits(duration.hundredths)
                       .text();
   lap.T_LapMaxSpeed = decimalText(line.value({12, 13}));
@@ -169,7 +169,7 @@ void RunDecoder::takeLap(const Block& line, bool isLast) {
   lap.T_LapAsc = zero;
   lap.T_LapDsc = zero;
   lap.T_Cnumber = result_.cnumber;
-  const QString key = TextBuilder().append(runKey).append(u"-").fiveDigits(number).text();
+  const QString key = TextBuilder().append(runKey).append(u'-').fiveDigits(number).text();
   result_.batch.lapMD.insert(key, lap);
   before_.hasLap = true;
   qCDebug(lcRuns, "lap ok");

@@ -3,20 +3,29 @@
 #include "data/text.h"
 
 #include <array>
-#include <charconv>
+#include <memory>
 
 TextBuilder& TextBuilder::append(QStringView part) {
-  text_.append(part.utf16(), part.size());
+  // One by one: the parts are far too short for a call to memmove to pay.
+  for (const QChar character : part) {
+    text_.append(character.unicode());
+  }
+  return *this;
+}
+
+TextBuilder& TextBuilder::append(char16_t character) {
+  text_.append(character);
   return *this;
 }
 
 TextBuilder& TextBuilder::number(quint64 value) {
-  std::array<char, 20> digits{};
-  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-  for (const char* digit = digits.data(); digit != end; ++digit) {
-    text_.append(static_cast<char16_t>(*digit));
-  }
-  return *this;
+  std::array<char16_t, 20> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+  auto first = digits.end();
+  do {
+    *--first = static_cast<char16_t>(u'0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  return append(QStringView(std::to_address(first), digits.end() - first));
 }
 
 TextBuilder& TextBuilder::twoDigits(qint64 value) {
@@ -36,7 +45,7 @@ TextBuilder& TextBuilder::fiveDigits(qint64 value) {
 }
 
 TextBuilder& TextBuilder::millionths(quint64 value) {
-  number(value / 1'000'000).append(u".").digits(value % 1'000'000, 100'000);
+  number(value / 1'000'000).append(u'.').digits(value % 1'000'000, 100'000);
   return *this;
 }
 
@@ -48,7 +57,7 @@ TextBuilder& TextBuilder::character(quint64 byte) {
 }
 
 TextBuilder& TextBuilder::clock(qint64 hours, qint64 minutes, qint64 seconds) {
-  return twoDigits(hours).append(u":").twoDigits(minutes).append(u":").twoDigits(seconds);
+  return twoDigits(hours).append(u':').twoDigits(minutes).append(u':').twoDigits(seconds);
 }
 
 void TextBuilder::digits(quint64 value, quint64 highestUnit) {

@@ -4,11 +4,12 @@
 #include <QStringView>
 #include <QVarLengthArray>
 
-/// Puts a short text together without an allocation for each of its parts; a download makes over a
-/// dozen such texts for every track point.
+/// Puts a short text together without an allocation for each of its parts; a download makes a dozen
+/// such texts for every track point.
 class TextBuilder {
  public:
   TextBuilder& append(QStringView part);
+  TextBuilder& append(char16_t character);
   /// Decimal, as short as possible.
   TextBuilder& number(quint64 value);
   /// As printf's "%02d".

@@ -183,6 +183,9 @@ void tst_downloadDecoder::runEnd_data() {
   QTest::newRow("clocks go back") << QByteArray("America/New_York")
                                   << QByteArray("00 1E 00 03 0B 18") << QByteArray("03 00 00")
                                   << u"2024-11-03 00:30:00"_s << u"2024-11-03 02:30:00"_s;
+  QTest::newRow("start skipped by the clock")
+      << QByteArray("Europe/Berlin") << QByteArray("00 1E 02 1F 03 18") << QByteArray("01 00 00")
+      << u"2024-03-31 02:30:00"_s << QString();
   QTest::newRow("longest") << QByteArray("UTC") << QByteArray("3B 3B 17 1F 0C 63")
                            << QByteArray("FF FF FF") << u"2099-12-31 23:59:59"_s
                            << u"2100-01-11 19:19:14"_s;
@@ -347,6 +350,7 @@ void tst_downloadDecoder::coordinates() {
   const QStringList found{point.T_PointLatitude,  point.T_PointLatSign, point.T_PointLatitudeN,
                           point.T_PointLongitude, point.T_PointLogSign, point.T_PointLongitudeN};
   QTEST(found.join(u' '), "expected");
+  QVERIFY(!point.T_PointLatSign.isNull());  // a zero character is no absent value
 }
 
 void tst_downloadDecoder::oddLines_data() {
