@@ -1,0 +1,39 @@
+#include "export/fileWriter.h"
+
+#include <QLoggingCategory>
+#include <QSaveFile>
+#include <cerrno>
+#include <unistd.h>
+
+namespace {
+
+Q_LOGGING_CATEGORY(logExport, "trakko.export", QtInfoMsg)
+
+// Null, or why it failed. Buffered, a full disk would go unnoticed: the last bytes would be written
+// only while the file is closed, and commit() does not hear of their failure. So what write() took
+// is what the disk took.
+QString failureOfWriting(QSaveFile& file, const QByteArray& bytes) {
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+      file.write(bytes) != bytes.size()) {
+    return file.errorString();
+  }
+  if (::fsync(file.handle()) != 0) {
+    return qt_error_string(errno);
+  }
+  return file.commit() ? QString() : file.errorString();
+}
+
+}  // namespace
+
+bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString* error) {
+  QSaveFile file(path);
+  const QString reason = failureOfWriting(file, bytes);
+  if (reason.isNull()) {
+    return true;
+  }
+  qCWarning(logExport).noquote() << "cannot write" << path << '-' << reason;
+  if (error != nullptr) {
+    *error = reason;
+  }
+  return false;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+/// The zone text behind every time of an exported file: "+", the whole hours of `seconds` (the
+/// local zone's offset from GMT), ":00".
+///
+/// The sign is always "+", hours west of Greenwich keep their own "-" behind it, and parts of an
+/// hour are dropped: UTC+9 gives "+09:00", UTC+5:30 "+05:00", UTC-5 "+-5:00". Programs that read
+/// these files have come to rely on that form.
+QString offsetText(int seconds);

@@ -1,0 +1,19 @@
+#include "export/recordOrder.h"
+
+#include "data/text.h"
+
+#include <algorithm>
+
+qsizetype placeOf(QStringView key, QStringView prefix) {
+  if (!key.startsWith(prefix)) {
+    return -1;
+  }
+  // "02", "+2" or "2x" reads as 2 as well, but is another key.
+  const QStringView digits = key.sliced(prefix.size());
+  const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+  if (digits.isEmpty() || digits.front() == u'0' ||
+      !std::all_of(digits.begin(), digits.end(), isDigit)) {
+    return -1;
+  }
+  return text::toInteger(digits) - 1;
+}
