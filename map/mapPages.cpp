@@ -1,0 +1,66 @@
+#include "map/mapPages.h"
+
+#include <QFile>
+#include <QUrl>
+#include <initializer_list>
+#include <utility>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A page's text with its placeholders, such as "@KEY@", filled in.
+QString filledPage(const QString& name,
+                   std::initializer_list<std::pair<QLatin1StringView, QString>> values) {
+  QFile file(u":/map/pages/"_s + name);
+  if (!file.open(QIODevice::ReadOnly)) {
+    qFatal("The program was built without the page %s", qPrintable(name));
+  }
+  QString page = QString::fromUtf8(file.readAll());
+  page.replace(u'\n', u" \r\n"_s);
+  for (const auto& [placeholder, value] : values) {
+    page.replace(placeholder, value);
+  }
+  return page;
+}
+
+/// A host or a key comes from outside: it must not end the attribute that it stands in.
+QString address(const QString& scheme, const QString& host) {
+  return serviceAddress(scheme, host).toHtmlEscaped();
+}
+
+QString key(const QString& value) {
+  return QString::fromLatin1(QUrl::toPercentEncoding(value));
+}
+
+}  // namespace
+
+QString imageFolderAddress(const Bundle& bundle) {
+  QString encoded;
+  for (const QChar c : folderBeside(bundle)) {
+    if (c < u' ' || u"'\"<>&#?%\\"_s.contains(c)) {
+      encoded += QString::fromLatin1(QUrl::toPercentEncoding(c));
+    } else {
+      encoded += c;
+    }
+  }
+  return u"file://"_s + encoded + u"png/"_s;
+}
+
+QString gethtmlStr(const PageSettings& settings) {
+  const MapSettings& services = settings.services;
+  return filledPage(u"google.html"_s,
+                    {{"@FOLDER@"_L1, settings.imageFolder},
+                     {"@STATIC@"_L1, address(u"https"_s, services.googleStaticHost)},
+                     {"@IMAGES@"_L1, address(u"http"_s, services.googleImageHost)},
+                     {"@MAPS@"_L1, address(u"https"_s, services.googleHost)},
+                     {"@KEY@"_L1, key(services.googleKey)}});
+}
+
+QString getGDHtmlStr(const PageSettings& settings) {
+  const MapSettings& services = settings.services;
+  return filledPage(u"amap.html"_s, {{"@FOLDER@"_L1, settings.imageFolder},
+                                     {"@SITE@"_L1, address(u"http"_s, services.amapSiteHost)},
+                                     {"@MAPS@"_L1, address(u"http"_s, services.amapHost)},
+                                     {"@KEY@"_L1, key(services.amapKey)}});
+}
