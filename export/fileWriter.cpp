@@ -13,9 +13,15 @@ Q_LOGGING_CATEGORY(logExport, "trakko.export", QtInfoMsg)
 // only while the file is closed, and commit() does not hear of their failure. So what write() took
 // is what the disk took.
 QString failureOfWriting(QSaveFile& file, const QByteArray& bytes) {
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
-      file.write(bytes) != bytes.size()) {
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
     return file.errorString();
+  }
+  const qint64 written = file.write(bytes);
+  if (written < 0) {
+    return file.errorString();
+  }
+  if (written < bytes.size()) {
+    return QStringLiteral("only %1 of %2 bytes fit").arg(written).arg(bytes.size());
   }
   if (::fsync(file.handle()) != 0) {
     return qt_error_string(errno);
