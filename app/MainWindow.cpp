@@ -1,0 +1,129 @@
+#include "app/MainWindow.h"
+
+#include "app/TrakkoAppDelegate.h"
+#include "app/tableModel.h"
+#include "ui_MainWindow.h"
+
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSet>
+
+namespace {
+
+/// Gives each column the width of its title or its widest content, whatever is wider.
+void fitColumns(QTableView* table, const std::vector<TableColumn>& columns) {
+  constexpr int cellMargin = 16;
+  const QFontMetrics metrics = table->fontMetrics();
+  for (int section = 0; section < static_cast<int>(columns.size()); ++section) {
+    const TableColumn& column = columns[static_cast<std::size_t>(section)];
+    const int content = metrics.horizontalAdvance(column.widestText);
+    const int title =
+        metrics.horizontalAdvance(table->model()->headerData(section, Qt::Horizontal).toString());
+    table->setColumnWidth(section, std::max(content, title) + cellMargin);
+  }
+}
+
+void setUpTable(QTableView* table, TrakkoAppDelegate* source, std::vector<TableColumn> columns) {
+  constexpr int rowMargin = 6;
+  auto* model = new TableModel(table, source, std::move(columns));
+  table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + rowMargin);
+  // Titles arrive after the window was made.
+  QObject::connect(model, &QAbstractItemModel::headerDataChanged, table,
+                   [table, model] { fitColumns(table, model->columns()); });
+  fitColumns(table, model->columns());
+}
+
+}  // namespace
+
+MainWindow::MainWindow(TrakkoAppDelegate* controller)
+    : controller_(controller), ui_(std::make_unique<Ui::MainWindow>()) {
+  ui_->setupUi(this);
+  connectOutlets();
+  connectCommands();
+  arrangePanes();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::connectOutlets() {
+  auto* progress = new QProgressBar(this);
+  progress->setRange(0, 100);
+  progress->setTextVisible(false);
+  progress->setFixedWidth(180);
+  progress->setAccessibleName(QStringLiteral("ダウンロード中"));
+  ui_->statusBar->addPermanentWidget(progress);
+  progress->hide();
+  auto* button = new QPushButton(QStringLiteral("ダウンロード"), this);
+  button->hide();
+
+  controller_->window = this;
+  controller_->viewMonth = ui_->viewMonth;
+  controller_->tView = ui_->tView;
+  controller_->lapView = ui_->lapView;
+  controller_->pointView = ui_->pointView;
+  controller_->getDBu = button;
+  controller_->progressBar = progress;
+  setUpTable(ui_->tView, controller_, runColumns());
+  setUpTable(ui_->lapView, controller_, lapColumns());
+  setUpTable(ui_->pointView, controller_, pointColumns());
+}
+
+void MainWindow::connectCommands() {
+  const auto on = [this](QAction* action, void (TrakkoAppDelegate::*command)()) {
+    connect(action, &QAction::triggered, controller_,
+            [this, command] { (controller_->*command)(); });
+  };
+  on(ui_->actionDownload, &TrakkoAppDelegate::downloadDataBu);
+  on(ui_->actionDeleteOne, &TrakkoAppDelegate::deleteOneData);
+  on(ui_->actionDeleteAll, &TrakkoAppDelegate::deleteAllData);
+  on(ui_->actionExportTcx, &TrakkoAppDelegate::SaveTCXFile);
+  on(ui_->actionExportGpx, &TrakkoAppDelegate::saveGPXFile);
+  on(ui_->actionBackup, &TrakkoAppDelegate::BackupData);
+  on(ui_->actionRecover, &TrakkoAppDelegate::RecoverData);
+  connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
+  connect(ui_->tView, &QTableView::clicked, controller_,
+          [this](const QModelIndex& cell) { controller_->tableviewClick(cell.row()); });
+  ui_->tView->installEventFilter(this);
+}
+
+// Choosing a run with the keyboard counts as a click. Only once the key is up: a key held down runs
+// through the list without drawing every run.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == ui_->tView && event->type() == QEvent::KeyRelease) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    static const QSet<int> choosing = {Qt::Key_Up,       Qt::Key_Down,  Qt::Key_PageUp,
+                                       Qt::Key_PageDown, Qt::Key_Home,  Qt::Key_End,
+                                       Qt::Key_Return,   Qt::Key_Enter, Qt::Key_Space};
+    if (!key->isAutoRepeat() && choosing.contains(key->key())) {
+      controller_->tableviewClick(ui_->tView->currentIndex().row());
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::arrangePanes() {
+  ui_->mainSplitter->setStretchFactor(0, 0);
+  ui_->mainSplitter->setStretchFactor(1, 1);
+  ui_->mainSplitter->setSizes({441, 839});
+  ui_->rightSplitter->setStretchFactor(0, 3);
+  ui_->rightSplitter->setStretchFactor(1, 1);
+  ui_->rightSplitter->setStretchFactor(2, 1);
+  ui_->rightSplitter->setSizes({390, 140, 140});
+}
+
+void MainWindow::setMapWidget(QWidget* map) {
+  ui_->mapFrame->layout()->addWidget(map);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(controller_->windowShouldClose());
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  controller_->windowDidResize();
+}

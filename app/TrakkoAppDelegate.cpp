@@ -1,0 +1,91 @@
+#include "app/TrakkoAppDelegate.h"
+
+#include "app/MainWindow.h"
+#include "app/mainQueue.h"
+#include "device/detachThread.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <utility>
+
+Q_LOGGING_CATEGORY(lcApp, "trakko.app", QtInfoMsg)
+
+TrakkoAppDelegate::TrakkoAppDelegate(ControllerContext surroundings)
+    : context(std::move(surroundings)), selection(std::make_shared<const int>(0)) {}
+
+void TrakkoAppDelegate::awakeFromNib() {
+  isAvailable = false;
+  checkFinishGetData = false;
+  checkInitMap = false;
+  isAvailable = true;
+  setWebView(theWebView);
+  currentNumber = 0;
+  getNewData = 0;
+  editColumn(QStringLiteral("Collumn3"), QStringLiteral("距離 (km)"), tView);
+  editColumn(QStringLiteral("l2"), QStringLiteral("距離 (km)"), lapView);
+  editColumn(QStringLiteral("l3"), QStringLiteral("平均速度 (km/h)"), lapView);
+  editColumn(QStringLiteral("l4"), QStringLiteral("平均ペース (/km)"), lapView);
+  editColumn(QStringLiteral("l5"), QStringLiteral("最高速度 (km/h)"), lapView);
+  editColumn(QStringLiteral("2"), QStringLiteral("距離 (km)"), pointView);
+  editColumn(QStringLiteral("3"), QStringLiteral("平均速度 (km/h)"), pointView);
+  editColumn(QStringLiteral("4"), QStringLiteral("平均ペース (/km)"), pointView);
+  editColumn(QStringLiteral("7"), QStringLiteral("高度 (m)"), pointView);
+  startRefresh();
+  getDBu->setVisible(false);
+  progressBar->setVisible(false);
+}
+
+void TrakkoAppDelegate::applicationDidFinishLaunching() {
+  waitForFirstLoad(0);
+}
+
+// The map page is loaded once the first load of the tables has ended, at the latest after six
+// steps. Each step is a timer, so the window stays live.
+void TrakkoAppDelegate::waitForFirstLoad(int counter) {
+  constexpr int lastStep = 5;
+  if (checkFinishGetData) {
+    webLoadStr();
+    return;
+  }
+  QTimer::singleShot(context.startUpStep, this, [this, passed = counter + 1] {
+    if (passed > lastStep || checkFinishGetData) {
+      webLoadStr();
+      return;
+    }
+    qCInfo(lcApp, "1");
+    waitForFirstLoad(passed);
+  });
+}
+
+bool TrakkoAppDelegate::windowShouldClose() {
+  QCoreApplication::quit();
+  return true;
+}
+
+void TrakkoAppDelegate::windowDidResize() {}
+
+void TrakkoAppDelegate::startRefresh() {
+  detachThread("refresh", [this] { refreshData(); });
+}
+
+void TrakkoAppDelegate::refreshData() {
+  setViewData(QStringLiteral("All"), QStringLiteral(""));
+  if (getNewData == 1) {
+    mainQueue.post([this] {
+      displayMap();
+      getNewData = 0;
+    });
+  }
+}
+
+void TrakkoAppDelegate::alertUSB(const QString& message) {
+  context.dialogs->message(message);
+}
+
+void TrakkoAppDelegate::showStatus(const QString& line) {
+  window->statusBar()->showMessage(line);
+}

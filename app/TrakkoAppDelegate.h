@@ -1,0 +1,188 @@
+#pragma once
+
+#include "app/tableModel.h"
+#include "app/tableRows.h"
+#include "data/databaseFile.h"
+#include "data/records.h"
+#include "device/dialogs.h"
+#include "device/usbOperating.h"
+#include "map/mapPages.h"
+#include "map/trackOverlay.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class DFView;
+class MainWindow;
+class MapView;
+class QProgressBar;
+class QPushButton;
+class QTableView;
+
+/// What the controller works with besides the window.
+struct ControllerContext {
+  DeviceEnvironment device;
+  std::shared_ptr<Dialogs> dialogs;
+  MapSettings mapServices = configuredMapSettings();
+  /// One step of the wait for the first load of the tables at start-up; six at most.
+  std::chrono::milliseconds startUpStep{1000};
+  /// Between handing over a run's points and reading its laps.
+  std::chrono::milliseconds lapPause{1000};
+};
+
+/// The application's single controller: it owns the state that the window shows and offers the
+/// window's commands.
+///
+/// Members and operations belong to the main thread unless they say otherwise. Threads compute into
+/// values of their own and hand them over whole. The object must outlive every thread it started;
+/// the program never destroys it.
+class TrakkoAppDelegate : public QObject, public TableDataSource {
+  Q_OBJECT
+
+ public:
+  explicit TrakkoAppDelegate(ControllerContext context);
+
+  // Outlets, connected by the main window.
+  MainWindow* window = nullptr;
+  DFView* viewMonth = nullptr;
+  QTableView* tView = nullptr;
+  QTableView* lapView = nullptr;
+  QTableView* pointView = nullptr;
+  QPushButton* getDBu = nullptr;  ///< Hidden at start-up and never shown again.
+  QProgressBar* progressBar = nullptr;
+  MapView* theWebView = nullptr;
+
+  std::vector<tViewData> runViewData;
+  std::vector<lViewData> lapViewData;
+  std::vector<pViewData> pointViewData;
+  QStringList runKArr;  ///< Run keys in the order of the runs table.
+  RunDictionary runDic;
+  LapDictionary lapDic;
+  PointDictionary pointDic;
+  QString breakPointStr;
+  QString arrPointStr;  ///< Null until a first arrow pair was found; never cleared afterwards.
+  double maxLat = 0;
+  double minLat = 0;
+  double maxLon = 0;
+  double minLon = 0;
+  qint64 currentNumber = 0;  ///< Activity number of the run shown, 0 when none.
+  QString myTrackName;
+  bool isAvailable = false;   ///< Selects the map page.
+  bool checkInitMap = false;  ///< The map has been drawn once.
+
+  // Flags between threads.
+  std::atomic<qint32> getNewData{0};  ///< 1: the next refresh redraws the map, too.
+  std::atomic<bool> checkStop{false};
+  std::atomic<bool> checkFinishGetData{false};
+
+  // Start-up and end.
+  void awakeFromNib();
+  void applicationDidFinishLaunching();
+  /// Quits the program; always true.
+  bool windowShouldClose();
+  void windowDidResize();
+
+  // Commands.
+  void downloadDataBu();
+  void deleteOneData();
+  void deleteAllData();
+  void tableviewClick(int clickedRow);
+  void SaveTCXFile();
+  void saveGPXFile();
+  void BackupData();
+  void RecoverData();
+
+  // Bodies of threads.
+  void refreshData();
+  void downloadData();
+  void controlProgressIndicator();
+
+  /// A message box with the text. Any thread; returns at once.
+  void alertUSB(const QString& message);
+
+  // Tables.
+  /// Loads the runs of a period and the first one's laps and points; "" means all. Any thread: the
+  /// results are handed to the main thread.
+  void setViewData(const QString& start, const QString& endTimeStr);
+  /// Rebuilds the rows of the current run's points from `pointDic`, on a thread of its own.
+  void setPointView();
+  /// Rebuilds the rows of the current run's laps from `runDic` and `lapDic`.
+  void setLapView();
+  void calltView(const QList<int>& rows);
+  int numberOfRowsInTableView(const QTableView* table) const override;
+  QString tableView(const QTableView* table, const QString& columnIdentifier,
+                    int row) const override;
+  void editColumn(const QString& identifier, const QString& title, QTableView* cTableView);
+  /// Seconds of "HH:MM:SS".
+  double trackTimeValue(const QString& time) const;
+  /// Date of "yyyy-MM-dd", invalid when it does not parse.
+  QDate strToDate(const QString& date) const;
+
+  // Map.
+  void setWebView(MapView* view);
+  void webLoadStr();
+  QString gethtmlStr() const;
+  QString getGDHtmlStr() const;
+  void didReceiveTitle(const QString& title);
+  /// The page was lost and loads again: the run is drawn once it is there.
+  void pageReset();
+  /// Draws the current run: reads it on a thread of its own, rebuilds its tables and calls the
+  /// page.
+  void displayMap();
+  /// The point-array expression for the page, "" when the run has no usable point; reads the store
+  /// on the calling (main) thread and rebuilds the tables.
+  QString getGoogleMapStr(qint64 number);
+  QString getGDMapStr(qint64 number);
+  QString setGDMapPoly(const QString& polyStr, const QString& breakPoints) const;
+  QString setMapPoly(const QString& polyStr, const QString& breakPoints) const;
+  QString getZoom(double theMaxLat, double theMinLat, double theMaxLon, double theMinLon) const;
+  double sumDist(double theLat1, double theLat2, double theLon1, double theLon2) const;
+  double ConvertGDLat(double lat, double y) const;
+  double ConvertGDLon(double lat, double y) const;
+  double transFormLat(double x, double y) const;
+  double transFormLon(double x, double y) const;
+
+  // Export.
+  /// The run as a TCX document, null when no run is selected.
+  QByteArray convertTCX(qint64 number);
+  QByteArray convertGPX(const QString& startStamp);
+  void saveFile(const QByteArray& data, const QString& fileName, const QString& fileType);
+
+ private:
+  /// Stands for one choice of the current run. Results of a thread count only while the choice they
+  /// were made for still holds.
+  using Selection = std::shared_ptr<const int>;
+  struct LoadedTrack;
+
+  void startRefresh();
+  void waitForFirstLoad(int counter);
+  void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
+  void clearTables();
+  void downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code);
+  void askToEraseWatch(const std::shared_ptr<usbOperating>& usb);
+  void showProgress(bool shown);
+  void showProgressValue(double value);
+  void showStatus(const QString& line);
+  void report(const databaseFile::Result& result, const QString& done, const QString& failed);
+  static std::shared_ptr<LoadedTrack> loadTrack(qint64 number, qint64 lapsNumber, bool google,
+                                                const QString& arrow);
+  void takeTrack(const LoadedTrack& track);
+  void drawTrack(const QString& expression);
+  Selection choose();
+  PageSettings pageSettings() const;
+  void reportOutcome(qint32 code);
+  void reportDeletion(qint32 result);
+
+  ControllerContext context;
+  Selection selection;
+  bool mapLoaded = false;           ///< The page has reported its map.
+  std::atomic<int> downloads{0};    ///< Downloads under way.
+  std::atomic<int> shownValue{-1};  ///< What the progress bar is about to show; -1 when it does.
+};

@@ -1,0 +1,36 @@
+// The delete commands of the controller.
+
+#include "app/TrakkoAppDelegate.h"
+#include "app/mainQueue.h"
+#include "data/dataControl.h"
+
+void TrakkoAppDelegate::deleteOneData() {
+  if (runViewData.empty() || currentNumber <= 0 ||
+      !context.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
+    return;
+  }
+  const qint32 result = dataControl().deleteOneData(currentNumber);
+  reportDeletion(result);
+  if (runViewData.size() <= 1) {
+    currentNumber = 0;
+    clearTables();
+    return;
+  }
+  getNewData = 1;
+  mainQueue.post([this] { startRefresh(); });
+}
+
+void TrakkoAppDelegate::deleteAllData() {
+  if (runViewData.empty() ||
+      !context.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
+    return;
+  }
+  reportDeletion(dataControl().deleteAllData());
+  currentNumber = 0;
+  clearTables();
+}
+
+void TrakkoAppDelegate::reportDeletion(qint32 result) {
+  showStatus(result == 1 ? QStringLiteral("消去しました。")
+                         : QStringLiteral("データベースから消去できませんでした。"));
+}

@@ -1,0 +1,144 @@
+// The download of the controller, from the button to the refreshed tables.
+
+#include "app/TrakkoAppDelegate.h"
+#include "app/mainQueue.h"
+#include "device/detachThread.h"
+
+#include <QProgressBar>
+#include <thread>
+
+namespace {
+
+/// What the user is told of a result code; null when nothing.
+QString messageFor(qint32 code) {
+  switch (code) {
+    case 2:
+      return QStringLiteral("データが見当たりません、USBの接続を確認して下さい。");
+    case 3:
+      return QStringLiteral("ダウンロードがブロックされましたUSB接続を確認して下さい。");
+    case 4:
+      return QStringLiteral("データがありません。");
+    case 5:
+      return QStringLiteral("データエラー、再度データをダウンロードして下さい。");
+    default:
+      return {};
+  }
+}
+
+/// One line that says what was seen of a watch that could not be reached.
+QString lineFor(LinkObstacle obstacle) {
+  switch (obstacle) {
+    case LinkObstacle::none:
+      return QStringLiteral("時計に接続できませんでした。");
+    case LinkObstacle::noDevice:
+      return QStringLiteral("時計のUSBデバイスが見つかりません。ケーブルの接続を確認して下さい。");
+    case LinkObstacle::noSerialPort:
+      return QStringLiteral(
+          "時計のUSBデバイスはありますが、シリアルポートがありません。接続し直して下さい。");
+    case LinkObstacle::noPermission:
+      return QStringLiteral(
+          "シリアルポートを使う権限がありません。ユーザーを dialout グループに追加して下さい。");
+    case LinkObstacle::portInUse:
+      return QStringLiteral("シリアルポートは他のプログラムまたは別のダウンロードが使用中です。");
+    case LinkObstacle::otherError:
+      break;
+  }
+  return QStringLiteral("シリアルポートを開けませんでした。詳細はログを確認して下さい。");
+}
+
+}  // namespace
+
+void TrakkoAppDelegate::downloadDataBu() {
+  checkStop = false;
+  ++downloads;
+  showStatus(QStringLiteral("時計からダウンロードしています..."));
+  showProgress(true);
+  detachThread("progress", [this] { controlProgressIndicator(); });
+  detachThread("download", [this] {
+    downloadData();
+    --downloads;
+    performOnMainThread([this] { showProgress(false); });
+  });
+}
+
+void TrakkoAppDelegate::downloadData() {
+  // Both device links of one download belong together: no other download gets the port in between.
+  const auto session = std::make_shared<WatchSession>();
+  auto usb = usbOperating::create(context.device, session);
+  if (!usb->linkCommand()) {
+    checkStop = true;
+    performOnMainThread([this, line = lineFor(usb->linkObstacle)] { showStatus(line); });
+    return;
+  }
+  usb = usbOperating::create(context.device, session);
+  const qint32 code = usb->getAllData();
+  downloadFinished(usb, code);
+  checkStop = true;
+}
+
+void TrakkoAppDelegate::downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code) {
+  const QString message = messageFor(code);
+  if (!message.isNull()) {
+    alertUSB(message);
+  }
+  reportOutcome(code);
+  if (code != 1) {
+    return;
+  }
+  getNewData = 1;
+  mainQueue.post([this, usb] { askToEraseWatch(usb); });
+  mainQueue.post([this] { startRefresh(); });
+}
+
+// The codes without a message box still leave a line in the status bar.
+void TrakkoAppDelegate::reportOutcome(qint32 code) {
+  QString line;
+  if (code == 1) {
+    line = QStringLiteral("ダウンロードが完了しました。");
+  } else if (code == 88) {
+    line = QStringLiteral("新しいランはありませんでした。");
+  } else if (code == -1) {
+    line = QStringLiteral(
+        "ランを保存できませんでした。受信したデータは lastDownload.txt に残っています。");
+  }
+  performOnMainThread([this, line] { showStatus(line); });
+}
+
+void TrakkoAppDelegate::askToEraseWatch(const std::shared_ptr<usbOperating>& usb) {
+  if (!context.dialogs->confirmErase(QStringLiteral("時計本体のデータを消去しますか？"))) {
+    return;
+  }
+  usb->checkUSB = false;
+  usb->deleteAllData();
+}
+
+void TrakkoAppDelegate::controlProgressIndicator() {
+  constexpr double full = 100.0;
+  double value = 0.0;
+  showProgressValue(value);
+  while (value < full) {
+    value += 1.0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (value == full) {
+      value = 0.0;
+    }
+    if (checkStop) {
+      showProgressValue(0.0);
+      checkStop = false;
+      return;
+    }
+    showProgressValue(value);
+  }
+}
+
+void TrakkoAppDelegate::showProgressValue(double value) {
+  // A main thread that is behind gets one update with the latest value, not a queue of old ones.
+  constexpr int taken = -1;
+  if (shownValue.exchange(static_cast<int>(value)) == taken) {
+    performOnMainThread([this] { progressBar->setValue(shownValue.exchange(taken)); });
+  }
+}
+
+void TrakkoAppDelegate::showProgress(bool shown) {
+  progressBar->setVisible(shown || downloads > 0);
+}

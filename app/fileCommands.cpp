@@ -1,0 +1,112 @@
+// The controller's commands that write and read files: exports, backup and restore.
+
+#include "app/DFView.h"
+#include "app/TrakkoAppDelegate.h"
+#include "data/bundle.h"
+#include "data/dataControl.h"
+#include "data/databaseFile.h"
+#include "export/fileWriter.h"
+#include "export/gpxWriter.h"
+#include "export/offsetText.h"
+#include "export/tcxWriter.h"
+
+#include <QDateTime>
+#include <QLoggingCategory>
+#include <QTimeZone>
+
+Q_LOGGING_CATEGORY(lcFiles, "trakko.files", QtInfoMsg)
+
+namespace {
+
+/// The local zone's offset text at this moment; exported times carry it whatever the run's date.
+QString offsetNow() {
+  return offsetText(QDateTime::currentDateTime().offsetFromUtc());
+}
+
+QString withT(const QString& startTime) {
+  return QString(startTime).replace(u' ', u'T');
+}
+
+}  // namespace
+
+QByteArray TrakkoAppDelegate::convertTCX(qint64 number) {
+  if (currentNumber < 1) {
+    return {};
+  }
+  dataControl store;
+  pointDic = store.getTrackData(static_cast<qint32>(number));
+  lapDic = store.getLapData(static_cast<qint32>(number));
+  myTrackName = withT(store.GetTrackName(number));
+  return writeTcx(lapDic, pointDic, number, myTrackName, offsetNow());
+}
+
+void TrakkoAppDelegate::SaveTCXFile() {
+  const QByteArray data = convertTCX(currentNumber);
+  saveFile(data, tcxFileName(myTrackName), QStringLiteral("TCX"));
+}
+
+QByteArray TrakkoAppDelegate::convertGPX(const QString& startStamp) {
+  return writeGpx(pointDic, currentNumber, startStamp, offsetNow());
+}
+
+void TrakkoAppDelegate::saveGPXFile() {
+  constexpr qsizetype fewestPoints = 3;
+  if (currentNumber <= 0) {
+    return;
+  }
+  dataControl store;
+  pointDic = store.getTrackData(static_cast<qint32>(currentNumber));
+  const QString startTime = store.GetTrackName(currentNumber);
+  myTrackName = withT(startTime);
+  if (pointDic.size() >= fewestPoints) {
+    saveFile(convertGPX(myTrackName), gpxFileName(startTime), QStringLiteral("GPX"));
+  }
+}
+
+void TrakkoAppDelegate::saveFile(const QByteArray& data, const QString& fileName,
+                                 const QString& fileType) {
+  const QString path = context.dialogs->fileToSave(QStringLiteral("Save File"), fileName, fileType);
+  if (path.isNull() || data.isNull()) {
+    return;
+  }
+  showStatus(writeFileAtomically(path, data)
+                 ? QStringLiteral("「%1」に保存しました。").arg(path)
+                 : QStringLiteral("「%1」に保存できませんでした。").arg(path));
+}
+
+void TrakkoAppDelegate::BackupData() {
+  const QString name = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMddHHmmss"));
+  const QString path =
+      context.dialogs->fileToSave(QStringLiteral("Backup Data"), name, QStringLiteral("db3"));
+  if (path.isNull()) {
+    return;
+  }
+  report(databaseFile::backUp(databasePath(mainBundle()), path),
+         QStringLiteral("「%1」にバックアップしました。").arg(path),
+         QStringLiteral("バックアップできませんでした"));
+}
+
+void TrakkoAppDelegate::RecoverData() {
+  const QString path =
+      context.dialogs->fileToOpen(QStringLiteral("Recover Data"), QStringLiteral("db3"));
+  if (path.isNull()) {
+    return;
+  }
+  report(databaseFile::restore(databasePath(mainBundle()), path),
+         QStringLiteral("「%1」から復元しました。").arg(path),
+         QStringLiteral("復元できませんでした"));
+  getNewData = 1;
+  startRefresh();
+  viewMonth->update();
+}
+
+// Neither command shows a box; what became of it stands in the status bar and in the log.
+void TrakkoAppDelegate::report(const databaseFile::Result& result, const QString& done,
+                               const QString& failed) {
+  if (result) {
+    showStatus(done);
+    return;
+  }
+  qCWarning(lcFiles).noquote() << failed << result.detail;
+  showStatus(failed + QStringLiteral("：") + databaseFile::reason(result.failure));
+}

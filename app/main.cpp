@@ -1,0 +1,93 @@
+#include "app/MainWindow.h"
+#include "app/TrakkoAppDelegate.h"
+#include "app/messageBoxes.h"
+#include "app/singleInstance.h"
+#include "app/startUpCheck.h"
+#include "app/webMapView.h"
+#include "data/bundle.h"
+#include "device/udevRegistry.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QTranslator>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
+  ControllerContext context;
+  context.dialogs = dialogs;
+  context.device.registry = std::make_shared<UdevRegistry>();
+  context.device.dialogs = dialogs;
+  context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
+  return context;
+}
+
+/// The standard buttons of file panels speak the program's language, whatever the desktop's is.
+void speakJapanese(QApplication& application) {
+  auto* translator = new QTranslator(&application);
+  if (translator->load(QStringLiteral("qtbase_ja"),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QApplication::installTranslator(translator);
+  }
+}
+
+void connectMap(WebMapView* map, TrakkoAppDelegate* controller) {
+  controller->theWebView = map;
+  QObject::connect(map, &WebMapView::titleReceived, controller,
+                   &TrakkoAppDelegate::didReceiveTitle);
+  QObject::connect(map, &WebMapView::pageReset, controller, &TrakkoAppDelegate::pageReset);
+}
+
+void raiseWindow(MainWindow* window) {
+  window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+  window->show();
+  window->raise();
+  window->activateWindow();
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  qputenv("NSZombieEnabled", "NO");
+  registerMapScheme();
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Trakko"));
+  QApplication::setApplicationVersion(QStringLiteral(TRAKKO_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.morvel.Trakko"));
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.morvel.Trakko.svg")));
+  speakJapanese(application);
+  setMainBundle(bundleOfProgram(programPath(QFile::decodeName(argv[0]))));
+
+  SingleInstance instance(folderBeside(mainBundle()));
+  if (!instance.claim()) {
+    return EXIT_SUCCESS;
+  }
+
+  // Neither the controller nor the window is ever destroyed: a download thread may still use them
+  // when the program ends.
+  const auto dialogs = std::make_shared<MessageBoxes>();
+  auto* controller = new TrakkoAppDelegate(contextFor(dialogs));
+  auto* window = new MainWindow(controller);
+  dialogs->setWindow(window);
+  auto* map = new WebMapView(dialogs);
+  window->setMapWidget(map);
+  connectMap(map, controller);
+  QObject::connect(&instance, &SingleInstance::raiseRequested, window,
+                   [window] { raiseWindow(window); });
+
+  controller->awakeFromNib();
+  window->show();
+  const QString problem = startUpProblem(mainBundle());
+  if (!problem.isNull()) {
+    dialogs->message(problem);
+  }
+  controller->applicationDidFinishLaunching();
+  const int result = QApplication::exec();
+  // Leaving without unwinding ends running threads at once. A run that is just being stored is
+  // rolled back by SQLite at the next start, and still is on the watch.
+  std::_Exit(result);
+}

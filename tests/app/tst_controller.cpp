@@ -1,0 +1,270 @@
+#include "app/mainQueue.h"
+#include "app/startUpCheck.h"
+#include "data/dataControl.h"
+#include "data/text.h"
+#include "device/downloadDecoder.h"
+#include "windowFixture.h"
+
+#include <QTableView>
+
+namespace {
+
+/// Stores `count` runs, one a day, each with two laps and `points` points; activity numbers from 1.
+void storeRuns(int count, int points = 12) {
+  DownloadBatch batch;
+  for (int i = 1; i <= count; ++i) {
+    const QString key = QString::number(i);
+    runData run;
+    run.T_RunStartTime = QString("2026-05-%1 07:30:00").arg(i, 2, 10, QChar(u'0'));
+    run.T_RunDistance = "500000";
+    run.T_RunAvgSpeed = "100";
+    run.T_RunLap = 2;
+    run.T_RunTrackPoint = points;
+    run.T_Cnumber = i;
+    batch.runMD.insert(key, run);
+    batch.runArr << key;
+    for (int lap = 1; lap <= 2; ++lap) {
+      lapData record;
+      record.T_LapType = QString("Lap %1").arg(lap);
+      record.T_LapNo = lap;
+      record.T_Cnumber = i;
+      batch.lapMD.insert(key + "-" + dataControl::returnKeyStr(QString::number(lap)), record);
+    }
+    for (int n = 1; n <= points; ++n) {
+      trackPointData point;
+      point.T_PointTime =
+          QString("07:%1:%2").arg(n / 60, 2, 10, QChar(u'0')).arg(n % 60, 2, 10, QChar(u'0'));
+      point.T_PointLatSign = "N";
+      point.T_PointLogSign = "E";
+      point.T_PointLatitudeN = text::fixed(35.0 + i + n * 0.001, 6);
+      point.T_PointLongitudeN = text::fixed(139.0 + n * 0.001, 6);
+      point.T_Setid = n;
+      point.T_Cnumber = i;
+      batch.pointMD.insert(key + "-" + dataControl::returnKeyStr(QString::number(n)), point);
+    }
+  }
+  dataControl().getInt();  // makes the tables
+  QCOMPARE(dataControl().getSqlArr(batch.runMD, batch.lapMD, batch.pointMD, batch.runArr), 1);
+}
+
+QString shown(const QTableView* table, int row, int column) {
+  return table->model()->index(row, column).data().toString();
+}
+
+}  // namespace
+
+class TestController : public QObject {
+  Q_OBJECT
+
+ private Q_SLOTS:
+  void emptyStore();
+  void firstRunIsShown();
+  void clickShowsThatRunEverywhere();
+  void lateLoadDoesNotOverwriteAClick();
+  void firstRunIsDrawnOnce_data();
+  void firstRunIsDrawnOnce();
+  void deleting_data();
+  void deleting();
+  void exports();
+  void blocksWaitForTheirTurn();
+  void unknownTable();
+  void startUpProblems_data();
+  void startUpProblems();
+};
+
+void TestController::emptyStore() {
+  WindowFixture fixture;
+  fixture.start();
+  QVERIFY(fixture.controller->checkFinishGetData);
+  QTRY_COMPARE(fixture.map.calls.size(), 1);
+  QVERIFY(fixture.map.calls[0].startsWith("load file://"));
+  fixture.controller->didReceiveTitle("Map Load OK");
+  fixture.controller->deleteOneData();
+  fixture.controller->deleteAllData();
+  QVERIFY(fixture.dialogs->questions.isEmpty());
+  QCOMPARE(fixture.map.calls.size(), 1);
+}
+
+void TestController::firstRunIsShown() {
+  WindowFixture fixture;
+  storeRuns(3);
+  fixture.start();
+  const auto& controller = *fixture.controller;
+  QCOMPARE(controller.runKArr, QStringList({"03", "02", "01"}));
+  QCOMPARE(controller.currentNumber, 3);
+  QCOMPARE(shown(controller.tView, 0, 0), QString("2026-05-03 07:30:00"));
+  QCOMPARE(shown(controller.tView, 0, 2), QString("5.000"));
+  QCOMPARE(controller.tView->selectionModel()->selectedRows().value(0).row(), 0);
+  QCOMPARE(controller.lapView->model()->rowCount(), 3);
+  QCOMPARE(shown(controller.lapView, 2, 0), QString("Lap 2"));
+  QCOMPARE(controller.pointView->model()->rowCount(), 12);
+  QCOMPARE(shown(controller.pointView, 11, 1), QString("07:00:12"));
+  QCOMPARE(controller.tView->model()->headerData(2, Qt::Horizontal).toString(),
+           QString("距離 (km)"));
+}
+
+void TestController::clickShowsThatRunEverywhere() {
+  WindowFixture fixture;
+  storeRuns(3);
+  fixture.start();
+  fixture.controller->didReceiveTitle("Map Load OK");
+  fixture.settle();
+  fixture.map.calls.clear();
+  QTableView* runs = fixture.controller->tView;
+  const QRect cell = runs->visualRect(runs->model()->index(2, 0));
+  QTest::mouseClick(runs->viewport(), Qt::LeftButton, {}, cell.center());
+  fixture.settle();
+  QCOMPARE(fixture.controller->currentNumber, 1);
+  QCOMPARE(shown(fixture.controller->lapView, 0, 0), QString("2026-05-01 07:30:00"));
+  QCOMPARE(fixture.map.calls.size(), 4);
+  QCOMPARE(fixture.map.calls[0], QString("initMap();"));
+  QVERIFY(fixture.map.calls[1].startsWith("MapPolyline([{lat: 36.001000, lng: 139.001000}"));
+  QVERIFY(fixture.map.calls[1].endsWith(" | 1 | 1)"));
+  QCOMPARE(fixture.map.calls[2],
+           QString("Setfitbounds(36.001000 | 36.012000 | 139.001000 | 139.012000)"));
+  QVERIFY(fixture.map.calls[3].startsWith("midLineArrows(new Array("));
+}
+
+void TestController::lateLoadDoesNotOverwriteAClick() {
+  WindowFixture fixture;
+  storeRuns(3);
+  fixture.controller->awakeFromNib();
+  QTRY_COMPARE(fixture.controller->currentNumber, 3);
+  fixture.controller->calltView({1});
+  fixture.controller->tableviewClick(1);  // while the first run's laps are still to come
+  fixture.settle();
+  QCOMPARE(shown(fixture.controller->lapView, 0, 0), QString("2026-05-02 07:30:00"));
+  QCOMPARE(fixture.controller->lapView->model()->rowCount(), 3);
+}
+
+void TestController::firstRunIsDrawnOnce_data() {
+  QTest::addColumn<bool>("titleFirst");
+  QTest::newRow("page before tables") << true;
+  QTest::newRow("tables before page") << false;
+}
+
+void TestController::firstRunIsDrawnOnce() {
+  QFETCH(bool, titleFirst);
+  WindowFixture fixture;
+  storeRuns(2);
+  if (titleFirst) {
+    fixture.controller->didReceiveTitle("Map Load OK");
+  }
+  fixture.start();
+  if (!titleFirst) {
+    fixture.controller->didReceiveTitle("Map Load OK");
+  }
+  fixture.settle();
+  fixture.controller->didReceiveTitle("Map Load OK");  // the page's answer to being drawn on
+  fixture.settle();
+  QCOMPARE(fixture.map.calls.filter("MapPolyline").size(), 1);
+}
+
+void TestController::deleting_data() {
+  QTest::addColumn<int>("runs");
+  QTest::addColumn<bool>("all");
+  QTest::addColumn<bool>("answer");
+  QTest::addColumn<int>("left");
+  QTest::newRow("one of two") << 2 << false << true << 1;
+  QTest::newRow("the only one") << 1 << false << true << 0;
+  QTest::newRow("one, declined") << 2 << false << false << 2;
+  QTest::newRow("all") << 3 << true << true << 0;
+  QTest::newRow("all, declined") << 3 << true << false << 3;
+}
+
+void TestController::deleting() {
+  QFETCH(int, runs);
+  QFETCH(bool, all);
+  QFETCH(bool, answer);
+  QFETCH(int, left);
+  WindowFixture fixture;
+  storeRuns(runs);
+  fixture.start();
+  fixture.dialogs->eraseAnswer = answer;
+  if (all) {
+    fixture.controller->deleteAllData();
+  } else {
+    fixture.controller->deleteOneData();
+  }
+  fixture.settle();
+  QCOMPARE(fixture.dialogs->questions.value(0),
+           all ? QString("全てのデータを消去しますか？") : QString("このデータを消去しますか？"));
+  QCOMPARE(fixture.controller->tView->model()->rowCount(), left);
+  QCOMPARE(dataControl().getRunData("all", {}).size(), left);
+  QCOMPARE(fixture.controller->currentNumber, left);
+  QCOMPARE(fixture.controller->pointView->model()->rowCount(), left == 0 ? 0 : 12);
+  QCOMPARE(fixture.map.calls.contains("SetMapNull();"), left == 0);
+  QCOMPARE(fixture.controller->getNewData, 0);
+}
+
+void TestController::exports() {
+  WindowFixture fixture;
+  storeRuns(1);
+  fixture.start();
+  fixture.dialogs->fileAnswer = fixture.file("run.TCX");
+  fixture.controller->SaveTCXFile();
+  fixture.dialogs->fileAnswer = fixture.file("run.GPX");
+  fixture.controller->saveGPXFile();
+  fixture.dialogs->fileAnswer = QString();
+  fixture.controller->saveGPXFile();
+  QCOMPARE(fixture.dialogs->panels,
+           QStringList({"Save File|20260501073000|TCX", "Save File|20260501073000|GPX",
+                        "Save File|20260501073000|GPX"}));
+  QFile tcx(fixture.file("run.TCX"));
+  QVERIFY(tcx.open(QIODevice::ReadOnly));
+  QVERIFY(tcx.readAll().contains("<Id>2026-05-01T07:30:00+"));
+  QFile gpx(fixture.file("run.GPX"));
+  QVERIFY(gpx.open(QIODevice::ReadOnly));
+  QCOMPARE(gpx.readAll().count("<trkpt "), 12);
+}
+
+void TestController::blocksWaitForTheirTurn() {
+  QStringList order;
+  mainQueue.post([&order] {
+    order << "question";
+    performOnMainThread([&order] { order << "message"; });
+    QTest::qWait(50);  // a modal box: the event loop runs inside the block
+    order << "answer";
+  });
+  mainQueue.post([&order] { order << "refresh"; });
+  QTRY_COMPARE(order, QStringList({"question", "message", "answer", "refresh"}));
+}
+
+void TestController::unknownTable() {
+  WindowFixture fixture;
+  storeRuns(1);
+  fixture.start();
+  QTableView other;
+  QCOMPARE(fixture.controller->numberOfRowsInTableView(&other), -1);
+  QVERIFY(fixture.controller->tableView(&other, "l0", 0).isNull());
+  QVERIFY(fixture.controller->tableView(fixture.controller->tView, "l0", 0).isNull());
+  QTest::ignoreMessage(QtInfoMsg,
+                       "tableView:objectValueForTableColumn:row: objectAtIndex:9 = NULL");
+  QVERIFY(fixture.controller->tableView(fixture.controller->tView, "Collumn1", 9).isNull());
+}
+
+void TestController::startUpProblems_data() {
+  QTest::addColumn<QByteArray>("content");
+  QTest::addColumn<QString>("problem");
+  QTest::newRow("none") << QByteArray() << QString();
+  QTest::newRow("text") << QByteArray("not a database at all") << "データベースではない";
+  QTest::newRow("cut off") << QByteArray("SQLite") << "データベースではない";
+}
+
+void TestController::startUpProblems() {
+  QFETCH(QByteArray, content);
+  QFETCH(QString, problem);
+  QTemporaryDir folder;
+  QFile file(folder.filePath("gpsData.db3"));
+  QVERIFY(file.open(QIODevice::WriteOnly));
+  file.write(content);
+  file.close();
+  const QString found = startUpProblem({folder.filePath("Trakko.app"), "Trakko"});
+  QCOMPARE(found.isNull(), problem.isNull());
+  QVERIFY(found.contains(problem));
+  QVERIFY(!startUpProblem({"/nowhere/at/all/Trakko.app", "Trakko"}).isNull());
+  QVERIFY(!startUpProblem({"/x", "Trakko"}).isNull());
+}
+
+QTEST_MAIN(TestController)
+#include "tst_controller.moc"

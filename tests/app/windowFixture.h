@@ -1,0 +1,138 @@
+#pragma once
+
+#include "app/MainWindow.h"
+#include "app/TrakkoAppDelegate.h"
+#include "app/mapView.h"
+#include "data/bundle.h"
+#include "device/detachThread.h"
+#include "device/usbRegistry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+#include <mutex>
+
+/// Answers the program's questions by itself and remembers what was said.
+class ScriptedDialogs : public Dialogs {
+ public:
+  bool eraseAnswer = false;
+  QString fileAnswer;  ///< Null cancels the panels.
+
+  void message(const QString& text) override {
+    const std::lock_guard lock(mutex_);
+    messages_ << text;
+  }
+  bool confirmErase(const QString& text) override {
+    questions << text;
+    return eraseAnswer;
+  }
+  QString fileToSave(const QString& title, const QString& name, const QString& type) override {
+    panels << title + u'|' + name + u'|' + type;
+    return fileAnswer;
+  }
+  QString fileToOpen(const QString& title, const QString& type) override {
+    panels << title + u'|' + type;
+    return fileAnswer;
+  }
+
+  QStringList messages() {
+    const std::lock_guard lock(mutex_);
+    return messages_;
+  }
+  QStringList questions;
+  QStringList panels;
+
+ private:
+  std::mutex mutex_;
+  QStringList messages_;
+};
+
+/// A registry that holds one watch behind the given device file, or nothing.
+class OneWatchRegistry : public UsbRegistry {
+ public:
+  QString node;  ///< Null: no watch is connected.
+
+  std::optional<QList<UsbDevice>> devices(quint16 vendor, quint16 product) const override {
+    const bool present = !node.isNull() && vendor == 4292 && product == 60000;
+    return present ? QList<UsbDevice>{{"watch", path(), {}}} : QList<UsbDevice>{};
+  }
+  QList<SerialClient> serialClients() const override {
+    return node.isNull() ? QList<SerialClient>{}
+                         : QList<SerialClient>{{"watch", path(), watchCalloutDevice, node}};
+  }
+
+ private:
+  static QString path() { return QString(120, u'w'); }
+};
+
+/// Stands for the map page and remembers what was asked of it.
+class RecordingMap : public MapView {
+ public:
+  QStringList calls;
+
+  void loadPage(const QString& html, const QUrl& baseUrl) override {
+    Q_UNUSED(html)
+    calls << QStringLiteral("load ") + baseUrl.toString();
+  }
+  void evaluate(const QString& script, std::function<void()> done) override {
+    calls << script;
+    if (done) {
+      done();
+    }
+  }
+  void callFunction(const QString& name, const QStringList& arguments,
+                    std::function<void()> done) override {
+    calls << name + u'(' + arguments.join(QStringLiteral(" | ")) + u')';
+    if (done) {
+      done();
+    }
+  }
+};
+
+/// The real window and controller on a database in a folder of its own, with short pauses.
+struct WindowFixture {
+  QTemporaryDir folder;
+  std::shared_ptr<ScriptedDialogs> dialogs = std::make_shared<ScriptedDialogs>();
+  std::shared_ptr<OneWatchRegistry> registry = std::make_shared<OneWatchRegistry>();
+  RecordingMap map;
+  std::unique_ptr<TrakkoAppDelegate> controller;
+  std::unique_ptr<MainWindow> window;
+
+  WindowFixture() {
+    QDir(folder.path()).mkpath(QStringLiteral("Trakko.app/Contents"));
+    setMainBundle({folder.path() + QStringLiteral("/Trakko.app"), QStringLiteral("Trakko")});
+    ControllerContext context;
+    context.dialogs = dialogs;
+    context.device.dialogs = dialogs;
+    context.device.registry = registry;
+    context.device.answerLimit = 0.5;
+    context.device.lastDownloadPath = file(QStringLiteral("lastDownload.txt"));
+    context.startUpStep = std::chrono::milliseconds(20);
+    context.lapPause = std::chrono::milliseconds(20);
+    controller = std::make_unique<TrakkoAppDelegate>(context);
+    window = std::make_unique<MainWindow>(controller.get());
+    controller->theWebView = &map;
+  }
+
+  ~WindowFixture() { settle(); }
+
+  QString file(const QString& name) const { return folder.filePath(name); }
+
+  void start() {
+    controller->awakeFromNib();
+    window->show();
+    controller->applicationDidFinishLaunching();
+    settle();
+  }
+
+  /// Until every thread has ended and what they handed over has been taken.
+  static void settle() {
+    QTRY_COMPARE_WITH_TIMEOUT(detachedThreadCount(), 0, 20000);
+    QCoreApplication::processEvents();
+    QTRY_COMPARE_WITH_TIMEOUT(detachedThreadCount(), 0, 20000);
+    QCoreApplication::processEvents();
+  }
+};
