@@ -1,0 +1,67 @@
+#include "device/agpsFetch.h"
+
+#include <QEventLoop>
+#include <QLoggingCategory>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QTimer>
+#include <algorithm>
+#include <memory>
+
+Q_LOGGING_CATEGORY(lcAgps, "trakko.device.agps", QtInfoMsg)
+
+namespace {
+
+// The real file has some hundred kilobytes.
+constexpr qint64 mostBytes = qint64{16} << 20;
+
+// Errors below these came from the network; from here on, the server answered with a status that
+// says so.
+constexpr auto firstAnswered = QNetworkReply::ContentAccessDenied;
+
+bool cameWhole(const QNetworkReply& reply) {
+  return reply.error() == QNetworkReply::NoError || reply.error() >= firstAnswered;
+}
+
+}  // namespace
+
+namespace agps {
+
+QUrl assistanceUrl() {
+  const QString server =
+      qEnvironmentVariable("TRAKKO_AGPS_HOST", QStringLiteral(TRAKKO_AGPS_HOST)).trimmed();
+  QUrl url(server.contains(u"://") ? server : QStringLiteral("https://") + server);
+  const bool web = url.scheme() == u"http" || url.scheme() == u"https";
+  if (url.host().isEmpty() || !web) {
+    return {};
+  }
+  url.setUserInfo(QString());
+  url.setPath(QStringLiteral("/current_14d.alp"));
+  return url;
+}
+
+QByteArray fetch(const QUrl& url, std::chrono::milliseconds limit) {
+  QEventLoop loop;  // first: it equips a thread that has no event loop yet
+  QNetworkAccessManager manager;
+  const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(url)));
+  QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+  QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(),
+                   [&reply](qint64 received, qint64 total) {
+                     if (std::max(received, total) > mostBytes) {
+                       reply->abort();
+                     }
+                   });
+  QTimer::singleShot(limit, reply.get(), &QNetworkReply::abort);
+  if (!reply->isFinished()) {
+    loop.exec();
+  }
+  if (!cameWhole(*reply)) {
+    qCInfo(lcAgps).noquote() << "no assistance data from" << url.host() << '-'
+                             << reply->errorString();
+    return {};
+  }
+  return reply->readAll();
+}
+
+}  // namespace agps
