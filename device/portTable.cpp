@@ -1,6 +1,7 @@
 #include "device/portTable.h"
 
-#include <QFileInfo>
+#include <QFile>
+#include <sys/stat.h>
 
 PortTable& PortTable::instance() {
   static auto* table = new PortTable;  // outlives detached threads that still use it at exit
@@ -9,9 +10,12 @@ PortTable& PortTable::instance() {
 
 bool PortTable::claim(const QString& node, const std::shared_ptr<PortHolder>& holder,
                       const std::shared_ptr<WatchSession>& session) {
-  const QString resolved = QFileInfo(node).canonicalFilePath();
+  struct stat status {};
+  if (::stat(QFile::encodeName(node).constData(), &status) != 0) {
+    return true;  // nobody has it: opening it will fail and say why
+  }
   const std::lock_guard lock(mutex);
-  Use& use = uses_[resolved.isEmpty() ? node : resolved];
+  Use& use = uses_[status.st_rdev];
   const std::shared_ptr<PortHolder> user = use.holder.lock();
   const std::shared_ptr<WatchSession> conversation = use.session.lock();
   if (user != holder && !(user && user->lineLost())) {

@@ -43,5 +43,5 @@ class PortTable {
     std::weak_ptr<PortHolder> holder;
     std::weak_ptr<WatchSession> session;
   };
-  QHash<QString, Use> uses_;  ///< By resolved device file.
+  QHash<quint64, Use> uses_;  ///< By device number: a port may have several names.
 };

@@ -2,7 +2,6 @@
 
 #include "device/serialSpeed.h"
 
-#include <QFile>
 #include <QLoggingCategory>
 #include <algorithm>
 #include <cerrno>
@@ -224,8 +223,9 @@ bool SerialPort::write(std::span<const std::byte> bytes) {
       bytes = bytes.subspan(static_cast<std::size_t>(count));
       continue;
     }
-    if (count < 0 && errno != EAGAIN && errno != EINTR) {
-      qCWarning(lcPort, "write failed: %s", std::strerror(errno));
+    const int error = count == 0 ? EIO : errno;
+    if (error != EAGAIN && error != EINTR) {
+      qCWarning(lcPort, "write failed: %s", std::strerror(error));
       return false;
     }
     if (awaitPort(use.descriptor, wake_, POLLOUT, remainingMs(deadline)) <= 0) {
