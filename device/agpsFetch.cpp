@@ -6,7 +6,6 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTimer>
-#include <algorithm>
 #include <memory>
 
 Q_LOGGING_CATEGORY(lcAgps, "trakko.device.agps", QtInfoMsg)
@@ -46,13 +45,14 @@ QByteArray fetch(const QUrl& url, std::chrono::milliseconds limit) {
   QNetworkAccessManager manager;
   const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(url)));
   QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-  QObject::connect(reply.get(), &QNetworkReply::downloadProgress, reply.get(),
-                   [&reply](qint64 received, qint64 total) {
-                     if (std::max(received, total) > mostBytes) {
-                       reply->abort();
-                     }
-                   });
-  QTimer::singleShot(limit, reply.get(), &QNetworkReply::abort);
+  QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&reply] {
+    if (reply->bytesAvailable() > mostBytes) {
+      reply->abort();
+    }
+  });
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, reply.get(), &QNetworkReply::abort);
+  timer.start(limit);
   if (!reply->isFinished()) {
     loop.exec();
   }
