@@ -88,6 +88,14 @@ void MainWindow::connectCommands() {
   connect(ui_->tView, &QTableView::clicked, controller_,
           [this](const QModelIndex& cell) { controller_->tableviewClick(cell.row()); });
   ui_->tView->installEventFilter(this);
+  // Without runs these two have nothing to do; the others act, or at least ask, at any time.
+  const auto greyOut = [this] {
+    const bool anyRuns = ui_->tView->model()->rowCount() > 0;
+    ui_->actionDeleteOne->setEnabled(anyRuns);
+    ui_->actionDeleteAll->setEnabled(anyRuns);
+  };
+  connect(ui_->tView->model(), &QAbstractItemModel::modelReset, this, greyOut);
+  greyOut();
 }
 
 // Choosing a run with the keyboard counts as a click. Only once the key is up: a key held down runs

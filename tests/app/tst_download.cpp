@@ -1,0 +1,154 @@
+#include "data/dataControl.h"
+#include "tools/watchsim/emulatedWatch.h"
+#include "tools/watchsim/watchMemory.h"
+#include "windowFixture.h"
+
+#include <QProgressBar>
+#include <QStatusBar>
+
+namespace {
+
+constexpr int runCount = 3;
+
+EmulatedWatchOptions smallWatch() {
+  return {.memory = makeMemory({.runs = runCount, .pointsPerRun = 20}), .fullSpeed = true};
+}
+
+}  // namespace
+
+/// The download command of the real window, over a pseudo-terminal to an emulated watch.
+class TestDownload : public QObject {
+  Q_OBJECT
+
+ private Q_SLOTS:
+  void runsArriveAndTheWatchIsErased();
+  void declinedErasureKeepsTheWatch();
+  void nothingNewAddsNothing();
+  void messages_data();
+  void messages();
+  void statusLines_data();
+  void statusLines();
+  void secondDownloadWhileOneRuns();
+};
+
+void TestDownload::runsArriveAndTheWatchIsErased() {
+  WindowFixture fixture;
+  fixture.start();
+  EmulatedWatch watch(smallWatch());
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  fixture.dialogs->eraseAnswer = true;
+  fixture.controller->didReceiveTitle("Map Load OK");
+
+  fixture.controller->downloadDataBu();
+  QVERIFY(fixture.controller->progressBar->isVisible());
+  QTRY_COMPARE_WITH_TIMEOUT(fixture.controller->runViewData.size(), std::size_t{runCount}, 20000);
+  QTRY_COMPARE(fixture.controller->pointViewData.size(), 20U);
+  QTRY_VERIFY(!fixture.controller->progressBar->isVisible());
+  QTRY_COMPARE(fixture.controller->getNewData, 0);
+  QTRY_COMPARE(fixture.map.calls.filter("MapPolyline").size(), 1);
+  QVERIFY(fixture.controller->lapViewData.size() > 1);
+  QCOMPARE(fixture.dialogs->questions, QStringList{"時計本体のデータを消去しますか？"});
+  QVERIFY(fixture.dialogs->messages().isEmpty());
+  QTRY_VERIFY(watch.commands().contains("erase"));
+
+  fixture.controller->downloadDataBu();
+  QTRY_COMPARE_WITH_TIMEOUT(fixture.dialogs->messages(), QStringList{"データがありません。"},
+                            20000);
+  QCOMPARE(dataControl().getRunData("all", {}).size(), runCount);
+  watch.stop();
+}
+
+void TestDownload::declinedErasureKeepsTheWatch() {
+  WindowFixture fixture;
+  EmulatedWatch watch(smallWatch());
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  fixture.controller->downloadDataBu();
+  QTRY_COMPARE_WITH_TIMEOUT(fixture.controller->runViewData.size(), std::size_t{runCount}, 20000);
+  fixture.settle();
+  QVERIFY(!watch.commands().contains("erase"));
+}
+
+void TestDownload::nothingNewAddsNothing() {
+  WindowFixture fixture;
+  EmulatedWatch watch(smallWatch());
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  for (int i = 0; i < 2; ++i) {
+    fixture.controller->downloadDataBu();
+    fixture.settle();
+  }
+  QCOMPARE(dataControl().getRunData("all", {}).size(), runCount);
+  QCOMPARE(dataControl().getTrackData(1).size(), 20);
+  QCOMPARE(fixture.dialogs->questions.size(), 1);
+  QCOMPARE(fixture.window->statusBar()->currentMessage(), "新しいランはありませんでした。");
+}
+
+void TestDownload::messages_data() {
+  QTest::addColumn<int>("misbehaviour");
+  QTest::addColumn<QString>("message");
+  QTest::newRow("silent") << 0 << "データが見当たりません、USBの接続を確認して下さい。";
+  QTest::newRow("two lines") << 1 << "データがありません。";
+  QTest::newRow("not connected") << 2 << "時計を認識出来ません、再度USB接続を確認して下さい。";
+}
+
+void TestDownload::messages() {
+  QFETCH(int, misbehaviour);
+  QFETCH(QString, message);
+  EmulatedWatchOptions options = smallWatch();
+  options.isSilent = misbehaviour == 0;
+  options.onlyBlocks = misbehaviour == 1 ? std::optional<qint32>(2) : std::nullopt;
+  WindowFixture fixture;
+  EmulatedWatch watch(options);
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = misbehaviour == 2 ? QString() : watch.path();
+  fixture.controller->downloadDataBu();
+  QTRY_VERIFY_WITH_TIMEOUT(fixture.dialogs->messages().contains(message), 20000);
+  QTRY_VERIFY(!fixture.controller->progressBar->isVisible());
+  QVERIFY(fixture.dialogs->questions.isEmpty());
+  QVERIFY(fixture.controller->runViewData.empty());
+  watch.stop();
+}
+
+void TestDownload::statusLines_data() {
+  QTest::addColumn<QString>("node");
+  QTest::addColumn<QString>("line");
+  QTest::newRow("no device") << QString() << "USBデバイスが見つかりません";
+  QTest::newRow("no terminal") << "/dev/null"
+                               << "シリアルポートを開けませんでした";
+  QTest::newRow("no such port") << "/dev/no-such-port"
+                                << "シリアルポートを開けませんでした";
+}
+
+void TestDownload::statusLines() {
+  QFETCH(QString, node);
+  QFETCH(QString, line);
+  WindowFixture fixture;
+  fixture.registry->node = node;
+  fixture.controller->downloadDataBu();
+  fixture.settle();
+  QVERIFY2(fixture.window->statusBar()->currentMessage().contains(line),
+           qUtf8Printable(fixture.window->statusBar()->currentMessage()));
+}
+
+void TestDownload::secondDownloadWhileOneRuns() {
+  WindowFixture fixture;
+  EmulatedWatchOptions options = smallWatch();
+  options.fullSpeed = false;
+  EmulatedWatch watch(options);
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  fixture.controller->downloadDataBu();
+  QTRY_VERIFY(watch.commands().contains("link"));
+  fixture.controller->downloadDataBu();
+  QTRY_COMPARE_WITH_TIMEOUT(fixture.controller->runViewData.size(), std::size_t{runCount}, 20000);
+  fixture.settle();
+  QCOMPARE(fixture.dialogs->messages(),
+           QStringList{"時計を認識出来ません、再度USB接続を確認して下さい。"});
+  QCOMPARE(dataControl().getTrackData(1).size(), 20);
+  QVERIFY(!fixture.controller->progressBar->isVisible());
+}
+
+QTEST_MAIN(TestDownload)
+#include "tst_download.moc"
