@@ -1,0 +1,255 @@
+#include "data/databaseFile.h"
+
+#include "data/heldDatabase.h"
+#include "data/newFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <optional>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace databaseFile {
+
+namespace {
+
+constexpr int chunkSize = 1 << 20;
+
+/// What SQLite keeps beside a database; beside another one it would be taken for that one's.
+const std::array companions{u"-journal"_s, u"-wal"_s, u"-shm"_s};
+
+Result unreadable(int error) {
+  return {Failure::unreadable, qt_error_string(error)};
+}
+
+Result unwritable(int error) {
+  return {error == EEXIST ? Failure::exists : Failure::unwritable, qt_error_string(error)};
+}
+
+bool isThere(const QString& path) {
+  struct stat found {};
+  return lstat(QFile::encodeName(path).constData(), &found) == 0;
+}
+
+bool isSameFile(const QString& one, const QString& other) {
+  struct stat first {};
+  struct stat second {};
+  return stat(QFile::encodeName(one).constData(), &first) == 0 &&
+         stat(QFile::encodeName(other).constData(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool isNoDatabase(int sqliteResult) {
+  return sqliteResult == SQLITE_NOTADB || sqliteResult == SQLITE_CORRUPT;
+}
+
+Result copyHeld(const QString& database, const HeldDatabase& held, NewFile& copy) {
+  const qint64 size = held.size();
+  if (size < 0) {
+    return {Failure::unreadable, held.message()};
+  }
+  if (!copy.create(database)) {
+    return unwritable(copy.error());
+  }
+  std::vector<char> buffer(chunkSize);
+  for (qint64 offset = 0; offset < size; offset += chunkSize) {
+    const int count = static_cast<int>(qMin<qint64>(chunkSize, size - offset));
+    if (!held.read(buffer.data(), count, offset)) {
+      return {Failure::unreadable, held.message()};
+    }
+    if (!copy.write(buffer.data(), count)) {
+      return unwritable(copy.error());
+    }
+  }
+  return {};
+}
+
+/// A descriptor of a plain file opened for reading; closes it when it goes.
+class Source {
+ public:
+  explicit Source(const QString& path)
+      // Without waiting: the name may turn out to be that of a pipe.
+      : descriptor(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    struct stat found {};
+    if (descriptor < 0 || fstat(descriptor, &found) != 0) {
+      error = errno;
+    } else if (!S_ISREG(found.st_mode)) {
+      error = EINVAL;
+    }
+  }
+  ~Source() {
+    if (descriptor >= 0) {
+      close(descriptor);
+    }
+  }
+  Source(const Source&) = delete;
+  Source& operator=(const Source&) = delete;
+
+  const int descriptor;
+  int error = 0;
+};
+
+Result copyChosen(const QString& chosen, const QString& database, NewFile& copy,
+                  const Watcher& beforeStep) {
+  const Source source(chosen);
+  if (source.error != 0) {
+    return unreadable(source.error);
+  }
+  beforeStep();
+  if (!copy.create(database)) {
+    return unwritable(copy.error());
+  }
+  std::vector<char> buffer(chunkSize);
+  for (;;) {
+    beforeStep();
+    const ssize_t count = read(source.descriptor, buffer.data(), buffer.size());
+    if (count == 0) {
+      break;
+    }
+    if (count < 0) {
+      return unreadable(errno);
+    }
+    if (!copy.write(buffer.data(), count)) {
+      return unwritable(copy.error());
+    }
+  }
+  beforeStep();
+  return copy.sync() ? Result{} : unwritable(copy.error());
+}
+
+void removeCompanions(const QString& database) {
+  for (const QString& companion : companions) {
+    QFile::remove(database + companion);
+  }
+}
+
+/// Gives the old database its second name. A hard link keeps its first name in use until the new
+/// file takes it; where there are no hard links, a copy does.
+Result keepOld(const QString& database, const HeldDatabase& held, const Watcher& beforeStep) {
+  const QString aside = beforeRestore(database);
+  removeCompanions(aside);  // of the older database there, which is about to go
+  NewFile::removeLeftovers(aside);
+  beforeStep();
+  NewFile second(aside);
+  if (!second.linkTo(database)) {
+    Result copied = copyHeld(database, held, second);
+    if (copied && !second.sync()) {
+      copied = unwritable(second.error());
+    }
+    if (!copied) {
+      return copied;
+    }
+  }
+  beforeStep();
+  return second.replace() ? Result{} : unwritable(second.error());
+}
+
+/// A journal that SQLite could not work off goes with the database that it belongs to.
+Result moveCompanions(const QString& database, const Watcher& beforeStep) {
+  for (const QString& companion : companions) {
+    const QByteArray from = QFile::encodeName(database + companion);
+    const QByteArray to = QFile::encodeName(beforeRestore(database) + companion);
+    beforeStep();
+    if (rename(from.constData(), to.constData()) != 0 && errno != ENOENT) {
+      return unwritable(errno);
+    }
+  }
+  return {};
+}
+
+Result moveAside(const QString& database, const HeldDatabase& held, const Watcher& beforeStep) {
+  if (held.result() == SQLITE_BUSY) {
+    return {Failure::busy, held.message()};
+  }
+  if (Result kept = keepOld(database, held, beforeStep); !kept) {
+    return kept;
+  }
+  Result moved = moveCompanions(database, beforeStep);
+  syncFolderOf(database);
+  return moved;
+}
+
+}  // namespace
+
+QString reason(Failure failure) {
+  switch (failure) {
+    case Failure::none:
+      break;
+    case Failure::unreadable:
+      return u"ファイルを読み込めません。"_s;
+    case Failure::exists:
+      return u"同じ名前のファイルが既にあります。"_s;
+    case Failure::busy:
+      return u"データベースは使用中です。"_s;
+    case Failure::unwritable:
+      return u"ファイルを書き込めません。空き容量とアクセス権を確認して下さい。"_s;
+  }
+  return {};
+}
+
+Result backUp(const QString& database, const QString& target) {
+  if (isThere(target)) {
+    return unwritable(EEXIST);
+  }
+  NewFile copy(target);
+  {
+    const HeldDatabase held(database, HeldDatabase::Against::changes);
+    const int result = held.result();
+    if (result != SQLITE_OK && !isNoDatabase(result)) {
+      return {result == SQLITE_BUSY ? Failure::busy : Failure::unreadable, held.message()};
+    }
+    if (Result copied = copyHeld(database, held, copy); !copied) {
+      return copied;
+    }
+  }
+  // The database is free again; a slow disk keeps nobody waiting.
+  if (!copy.sync() || !copy.placeIfFree()) {
+    return unwritable(copy.error());
+  }
+  syncFolderOf(target);
+  return {};
+}
+
+Result restore(const QString& database, const QString& chosen, const Watcher& watcher) {
+  const Watcher beforeStep = watcher ? watcher : [] {};
+  if (isSameFile(database, chosen)) {
+    return {};
+  }
+  NewFile::removeLeftovers(database);
+  NewFile copy(database);
+  if (Result copied = copyChosen(chosen, database, copy, beforeStep); !copied) {
+    return copied;
+  }
+  // Held until the new file has taken the place: a transaction begun in between would leave its
+  // journal beside the wrong database. One begun later finds its file moved and fails.
+  std::optional<HeldDatabase> held;
+  if (isThere(database)) {
+    held.emplace(database, HeldDatabase::Against::writers);
+    if (Result aside = moveAside(database, *held, beforeStep); !aside) {
+      return aside;
+    }
+  } else {
+    removeCompanions(database);
+  }
+  beforeStep();
+  if (!copy.replace()) {
+    return unwritable(copy.error());
+  }
+  beforeStep();
+  syncFolderOf(database);
+  return {};
+}
+
+QString beforeRestore(const QString& database) {
+  const QFileInfo info(database);
+  return info.path() + u'/' + info.completeBaseName() + u"-before-restore."_s + info.suffix();
+}
+
+}  // namespace databaseFile

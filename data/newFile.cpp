@@ -1,0 +1,131 @@
+#include "data/newFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Several names, so that one that is taken does no harm.
+const std::array<const char*, 4> partEndings{".part", ".part1", ".part2", ".part3"};
+
+constexpr mode_t newFileMode = 0666;  // the user's mask applies
+constexpr mode_t permissions = 0777;
+
+}  // namespace
+
+NewFile::NewFile(const QString& place) : place_(QFile::encodeName(place)) {}
+
+NewFile::~NewFile() {
+  if (descriptor_ >= 0) {
+    close(descriptor_);
+  }
+  if (!part_.isEmpty()) {
+    unlink(part_.constData());
+  }
+}
+
+bool NewFile::create(const QString& like) {
+  struct stat found {};
+  const bool known = stat(QFile::encodeName(like).constData(), &found) == 0;
+  return underFreeName([&](const char* name) {
+    descriptor_ = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
+    if (descriptor_ >= 0 && known) {
+      fchmod(descriptor_, found.st_mode & permissions);  // refused where files have none
+    }
+    return descriptor_ >= 0;
+  });
+}
+
+bool NewFile::linkTo(const QString& existing) {
+  const QByteArray first = QFile::encodeName(existing);
+  return underFreeName([&](const char* name) { return link(first.constData(), name) == 0; });
+}
+
+bool NewFile::write(const char* bytes, qsizetype size) {
+  while (size > 0) {
+    const ssize_t taken = ::write(descriptor_, bytes, static_cast<size_t>(size));
+    if (taken < 0 && errno != EINTR) {
+      return check(false);
+    }
+    bytes += qMax<ssize_t>(taken, 0);
+    size -= qMax<ssize_t>(taken, 0);
+  }
+  return true;
+}
+
+bool NewFile::sync() {
+  return check(fsync(descriptor_) == 0);
+}
+
+bool NewFile::replace() {
+  if (!check(rename(part_.constData(), place_.constData()) == 0)) {
+    return false;
+  }
+  // Still there when both names were those of one file: then renaming does nothing.
+  unlink(part_.constData());
+  part_.clear();
+  return true;
+}
+
+bool NewFile::placeIfFree() {
+  if (!check(renameIfFree())) {
+    return false;
+  }
+  part_.clear();
+  return true;
+}
+
+void NewFile::removeLeftovers(const QString& place) {
+  for (const char* ending : partEndings) {
+    unlink((QFile::encodeName(place) + ending).constData());
+  }
+}
+
+bool NewFile::check(bool succeeded) {
+  error_ = succeeded ? 0 : errno;
+  return succeeded;
+}
+
+bool NewFile::underFreeName(const std::function<bool(const char*)>& make) {
+  for (const char* ending : partEndings) {
+    const QByteArray name = place_ + ending;
+    if (make(name.constData())) {
+      part_ = name;
+      return check(true);
+    }
+    if (errno != EEXIST) {
+      break;
+    }
+  }
+  return check(false);
+}
+
+bool NewFile::renameIfFree() {
+  if (renameat2(AT_FDCWD, part_.constData(), AT_FDCWD, place_.constData(), RENAME_NOREPLACE) == 0) {
+    return true;
+  }
+  if (errno != EINVAL && errno != ENOSYS) {
+    return false;
+  }
+  // A file system that cannot do this in one step; network file systems are among them.
+  if (link(part_.constData(), place_.constData()) != 0) {
+    return false;
+  }
+  unlink(part_.constData());
+  return true;
+}
+
+void syncFolderOf(const QString& path) {
+  const QByteArray folder = QFile::encodeName(QFileInfo(path).path());
+  const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor >= 0) {
+    fsync(descriptor);
+    close(descriptor);
+  }
+}
