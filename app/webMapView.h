@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/mapView.h"
+#include "app/pageCalls.h"
+#include "device/dialogs.h"
+#include "map/mapSettings.h"
+
+#include <QElapsedTimer>
+#include <QWebEngineView>
+#include <memory>
+
+class MapRequestInterceptor;
+class MapSchemeHandler;
+class MapWebPage;
+class QTemporaryFile;
+class QWebEngineProfile;
+
+/// Makes the program's own answers known to the web engine. Main thread, before the application
+/// object exists.
+void registerMapScheme();
+
+/// The folder where map tiles are kept between sessions.
+QString mapCacheFolder();
+
+/// The map page in the web engine. Main thread.
+///
+/// A page may be of any length; one of more than about 600,000 characters must bring its own base
+/// address. When the engine's process dies, the page is loaded again by itself; what was called but
+/// not carried out by then is forgotten, its `done` is never called, and pageReset() tells that the
+/// page begins anew.
+class WebMapView : public QWebEngineView, public MapView {
+  Q_OBJECT
+
+ public:
+  /// The page's alerts go to `dialogs`. Nothing is kept on disk when `cacheFolder` is null.
+  explicit WebMapView(const std::shared_ptr<Dialogs>& dialogs,
+                      const MapSettings& services = configuredMapSettings(),
+                      const QString& cacheFolder = mapCacheFolder());
+  ~WebMapView() override;
+
+  void loadPage(const QString& html, const QUrl& baseUrl) override;
+  void evaluate(const QString& script, std::function<void()> done = {}) override;
+  void callFunction(const QString& name, const QStringList& arguments,
+                    std::function<void()> done = {}) override;
+
+ Q_SIGNALS:
+  /// The page set its title.
+  void titleReceived(const QString& title);
+  /// The page was lost and is being loaded again.
+  void pageReset();
+
+ private:
+  void load();
+  void comeBack();
+
+  QString html_;
+  QUrl baseUrl_;
+  std::unique_ptr<QTemporaryFile> pageFile_;
+  QElapsedTimer lastLoss_;
+  // Each of these uses the ones above it to its very end.
+  std::unique_ptr<MapRequestInterceptor> interceptor_;
+  std::unique_ptr<MapSchemeHandler> handler_;
+  std::unique_ptr<QWebEngineProfile> profile_;
+  std::unique_ptr<MapWebPage> page_;
+  PageCalls calls_;
+};
