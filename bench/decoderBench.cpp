@@ -1,9 +1,9 @@
 #include "device/downloadDecoder.h"
+#include "tools/watchsim/watchMemory.h"
 
 #include <QLoggingCategory>
 #include <array>
 #include <benchmark/benchmark.h>
-#include <charconv>
 #include <string>
 #include <vector>
 
@@ -11,43 +11,16 @@
 
 namespace {
 
-constexpr int runCount = 20;
-constexpr int lapsPerRun = 10;
+constexpr qint32 runCount = 20;
 
-QString hexLine(const std::array<quint8, 36>& block) {
-  return QString::fromLatin1(QByteArray::fromRawData(reinterpret_cast<const char*>(block.data()),
-                                                     static_cast<qsizetype>(block.size()))
-                                 .toHex(' ')
-                                 .toUpper());
-}
-
-/// A block whose payload holds plausible digits, different from line to line.
-QString makeLine(int sequence, int key, quint8 type) {
-  std::array<quint8, 36> block{};
-  for (size_t i = 0; i < 32; ++i) {
-    block[i] = static_cast<quint8>((static_cast<size_t>(sequence) * 7 + i * 5) % 0x5A);
-  }
-  const std::array<quint8, 11> place{
-      0x35, 0x41, static_cast<quint8>(sequence % 10), 0x45, 'N', 0x01, 0x39, 0x45, 0x17, 0x56, 'E'};
-  std::copy(place.begin(), place.end(), block.begin() + 15);
-  block[32] = static_cast<quint8>(sequence >> 8);
-  block[33] = static_cast<quint8>(sequence);
-  block[34] = static_cast<quint8>(key);
-  block[35] = type;
-  return hexLine(block);
-}
-
+/// What a watch full of runs sends, with this many points for each run.
 QStringList makeLines(int64_t pointsPerRun) {
   QStringList lines;
-  for (int run = 0; run < runCount; ++run) {
-    for (int lap = 0; lap <= lapsPerRun; ++lap) {
-      lines.append(makeLine(lap, run, 0xFD));
-    }
-  }
-  for (int run = 0; run < runCount; ++run) {
-    for (int point = 0; point <= pointsPerRun; ++point) {
-      lines.append(makeLine(point, run, 0xFA));
-    }
+  MemoryOptions options;
+  options.runs = runCount;
+  options.pointsPerRun = static_cast<qint32>(pointsPerRun);
+  for (const QByteArray& block : makeMemory(options)) {
+    lines.append(lineFromBlock(block));
   }
   return lines;
 }

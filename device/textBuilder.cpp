@@ -19,7 +19,7 @@ TextBuilder& TextBuilder::append(char16_t character) {
 }
 
 TextBuilder& TextBuilder::number(quint64 value) {
-  std::array<char16_t, 20> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+  std::array<char16_t, 20> digits{};
   auto first = digits.end();
   do {
     *--first = static_cast<char16_t>(u'0' + value % 10);

@@ -99,11 +99,11 @@ void EmulatedWatch::takeInput() {
     abandonAnswer();
   }
   for (const WatchCommand command : reader_.take(input.bytes)) {
+    obey(command);
     {
       const std::lock_guard lock(mutex_);
       commands_.append(nameOf(command));
     }
-    obey(command);
     if (options_.onCommand) {
       options_.onCommand(nameOf(command));
     }

@@ -17,20 +17,21 @@
 
 /// How an emulated watch behaves. A fresh one is a good watch without runs at 115200 baud.
 struct EmulatedWatchOptions {
-  QList<QByteArray> memory;  ///< Blocks of a download without the end marker; see makeMemory().
-  QString link;              ///< A symbolic link to the port, made while the watch runs.
-  bool fullSpeed = false;    ///< As fast as the line takes it.
-  bool isSilent = false;     ///< Answers nothing at all.
+  QList<QByteArray> memory =
+      {};                  ///< Blocks of a download without the end marker; see makeMemory().
+  QString link = {};       ///< A symbolic link to the port, made while the watch runs.
+  bool fullSpeed = false;  ///< As fast as the line takes it.
+  bool isSilent = false;   ///< Answers nothing at all.
   bool answersLink = true;
   bool sendsEndMarker = true;
-  std::optional<qint32> onlyBlocks;   ///< Sends no more blocks of data than this.
-  qint32 smallestPiece = 0;           ///< Bytes written at once, chosen anew for each piece;
-  qint32 largestPiece = 0;            ///< 0: whole blocks.
-  bool sendsGarbage = false;          ///< Random bytes in place of the blocks.
-  std::optional<qint64> hangUpAfter;  ///< Hangs up when downloads have sent this many bytes.
-  quint32 seed = 1;                   ///< For pieces and garbage.
+  std::optional<qint32> onlyBlocks = {};   ///< Sends no more blocks of data than this.
+  qint32 smallestPiece = 0;                ///< Bytes written at once, chosen anew for each piece;
+  qint32 largestPiece = 0;                 ///< 0: whole blocks.
+  bool sendsGarbage = false;               ///< Random bytes in place of the blocks.
+  std::optional<qint64> hangUpAfter = {};  ///< Hangs up when downloads have sent this many bytes.
+  quint32 seed = 1;                        ///< For pieces and garbage.
   /// Told of every command, by nameOf(); on the watch's thread.
-  std::function<void(const QString&)> onCommand;
+  std::function<void(const QString&)> onCommand = {};
 };
 
 /// A watch on a pseudo-terminal, running on a thread of its own.
@@ -57,7 +58,7 @@ class EmulatedWatch {
   QString path() const { return port_.path; }
   /// False also after the watch hung up by itself.
   bool isRunning() const { return isRunning_; }
-  /// Names of all commands received so far.
+  /// Names of all commands obeyed so far.
   QStringList commands() const;
   /// The memory as it is now; empty after an erase.
   QList<QByteArray> blocks() const;

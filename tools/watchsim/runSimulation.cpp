@@ -130,7 +130,9 @@ void RunSimulation::takeLap(bool isAutomatic, qint64 distance) {
   lap.distance = distance;
   lap.calories = caloriesAt(distance);
   lap.maxSpeed = lapSpeed(lap_.maxSpeed);
-  lap.avgSpeed = lapSpeed((distance - lapStart_) / std::max(second_ - lapStartSecond_, 1));
+  // A lap of few seconds may begin with most of a second that was run before it.
+  lap.avgSpeed = std::min(
+      lap.maxSpeed, lapSpeed((distance - lapStart_) / std::max(second_ - lapStartSecond_, 1)));
   lap.isAutomatic = isAutomatic;
   lap.hrSum = hrSum_;
   lap.hrSamples = hrSamples_;

@@ -15,7 +15,7 @@ WatchPort::~WatchPort() {
 
 QString WatchPort::open() {
   const auto failure = [this](const char* step) {
-    const QString reason =
+    QString reason =
         QString::fromLatin1("%1: %2").arg(QString::fromLatin1(step), qt_error_string(errno));
     close();
     return reason;
