@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/TrakkoAppDelegate.h"
+#include "app/columnFitter.h"
 #include "app/tableModel.h"
 #include "ui_MainWindow.h"
 
@@ -13,28 +14,15 @@
 
 namespace {
 
-/// Gives each column the width of its title or its widest content, whatever is wider.
-void fitColumns(QTableView* table, const std::vector<TableColumn>& columns) {
-  constexpr int cellMargin = 16;
-  const QFontMetrics metrics = table->fontMetrics();
-  for (int section = 0; section < static_cast<int>(columns.size()); ++section) {
-    const TableColumn& column = columns[static_cast<std::size_t>(section)];
-    const int content = metrics.horizontalAdvance(column.widestText);
-    const int title =
-        metrics.horizontalAdvance(table->model()->headerData(section, Qt::Horizontal).toString());
-    table->setColumnWidth(section, std::max(content, title) + cellMargin);
-  }
-}
-
 void setUpTable(QTableView* table, TrakkoAppDelegate* source, std::vector<TableColumn> columns) {
   constexpr int rowMargin = 6;
   auto* model = new TableModel(table, source, std::move(columns));
   table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + rowMargin);
-  // Titles arrive after the window was made.
-  QObject::connect(model, &QAbstractItemModel::headerDataChanged, table,
-                   [table, model] { fitColumns(table, model->columns()); });
-  fitColumns(table, model->columns());
+  QFont headerFont = table->font();
+  headerFont.setPointSizeF(headerFont.pointSizeF() * 0.9);
+  table->horizontalHeader()->setFont(headerFont);
+  new ColumnFitter(table, model);  // the table owns it
 }
 
 }  // namespace
@@ -96,6 +84,7 @@ void MainWindow::connectCommands() {
   };
   connect(ui_->tView->model(), &QAbstractItemModel::modelReset, this, greyOut);
   greyOut();
+  ui_->tView->setFocus();
 }
 
 // Choosing a run with the keyboard counts as a click. Only once the key is up: a key held down runs
@@ -116,7 +105,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 void MainWindow::arrangePanes() {
   ui_->mainSplitter->setStretchFactor(0, 0);
   ui_->mainSplitter->setStretchFactor(1, 1);
-  ui_->mainSplitter->setSizes({441, 839});
+  ui_->mainSplitter->setSizes({430, 850});
   ui_->rightSplitter->setStretchFactor(0, 3);
   ui_->rightSplitter->setStretchFactor(1, 1);
   ui_->rightSplitter->setStretchFactor(2, 1);

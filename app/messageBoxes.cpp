@@ -15,6 +15,8 @@ void fill(QMessageBox& box, const QString& title, const QString& informativeText
   box.setTextFormat(Qt::RichText);
   // The text may quote a file name or other foreign text, which must not be read as markup.
   box.setInformativeText(informativeText.toHtmlEscaped());
+  // The style's own width breaks Japanese sentences after a few words.
+  box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: 22em; }"));
 }
 
 QString filterFor(const QString& type) {

@@ -79,10 +79,10 @@ std::vector<TableColumn> lapColumns() {
           {QStringLiteral("l3"), {}, true, QStringLiteral("00.0")},
           {QStringLiteral("l4"), {}, true, QStringLiteral("00'00")},
           {QStringLiteral("l5"), {}, true, QStringLiteral("00.0")},
-          {QStringLiteral("l6"), QStringLiteral("平均心拍 (bpm)"), true, QStringLiteral("000")},
-          {QStringLiteral("l7"), QStringLiteral("最大心拍 (bpm)"), true, QStringLiteral("000")},
+          {QStringLiteral("l6"), QStringLiteral("平均心拍"), true, QStringLiteral("000")},
+          {QStringLiteral("l7"), QStringLiteral("最大心拍"), true, QStringLiteral("000")},
           {QStringLiteral("l8"), QStringLiteral("タイムゾーン"), true, QStringLiteral("00:00:00")},
-          {QStringLiteral("l9"), QStringLiteral("カロリー (kcal)"), true, QStringLiteral("0000")}};
+          {QStringLiteral("l9"), QStringLiteral("カロリー"), true, QStringLiteral("0000")}};
 }
 
 std::vector<TableColumn> pointColumns() {

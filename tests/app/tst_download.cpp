@@ -118,7 +118,7 @@ void TestDownload::statusLines_data() {
   QTest::newRow("no terminal") << "/dev/null"
                                << "シリアルポートを開けませんでした";
   QTest::newRow("no such port") << "/dev/no-such-port"
-                                << "シリアルポートを開けませんでした";
+                                << "シリアルポートがありません";
 }
 
 void TestDownload::statusLines() {
