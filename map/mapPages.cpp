@@ -24,27 +24,28 @@ QString filledPage(const QString& name,
   return page;
 }
 
-/// A host or a key comes from outside: it must not end the attribute that it stands in.
-QString address(const QString& scheme, const QString& host) {
-  return serviceAddress(scheme, host).toHtmlEscaped();
+/// Hosts and keys come from outside: encoded, they end neither an attribute nor a text in which
+/// they stand.
+QString encoded(const QString& value) {
+  return QString::fromLatin1(QUrl::toPercentEncoding(value, ":/[]"));
 }
 
-QString key(const QString& value) {
-  return QString::fromLatin1(QUrl::toPercentEncoding(value));
+QString address(const QString& scheme, const QString& host) {
+  return encoded(serviceAddress(scheme, host));
 }
 
 }  // namespace
 
 QString imageFolderAddress(const Bundle& bundle) {
-  QString encoded;
+  QString folder;
   for (const QChar c : folderBeside(bundle)) {
     if (c < u' ' || u"'\"<>&#?%\\"_s.contains(c)) {
-      encoded += QString::fromLatin1(QUrl::toPercentEncoding(c));
+      folder += QString::fromLatin1(QUrl::toPercentEncoding(c));
     } else {
-      encoded += c;
+      folder += c;
     }
   }
-  return u"file://"_s + encoded + u"png/"_s;
+  return u"file://"_s + folder + u"png/"_s;
 }
 
 QString gethtmlStr(const PageSettings& settings) {
@@ -54,7 +55,7 @@ QString gethtmlStr(const PageSettings& settings) {
                      {"@STATIC@"_L1, address(u"https"_s, services.googleStaticHost)},
                      {"@IMAGES@"_L1, address(u"http"_s, services.googleImageHost)},
                      {"@MAPS@"_L1, address(u"https"_s, services.googleHost)},
-                     {"@KEY@"_L1, key(services.googleKey)}});
+                     {"@KEY@"_L1, encoded(services.googleKey)}});
 }
 
 QString getGDHtmlStr(const PageSettings& settings) {
@@ -62,5 +63,5 @@ QString getGDHtmlStr(const PageSettings& settings) {
   return filledPage(u"amap.html"_s, {{"@FOLDER@"_L1, settings.imageFolder},
                                      {"@SITE@"_L1, address(u"http"_s, services.amapSiteHost)},
                                      {"@MAPS@"_L1, address(u"http"_s, services.amapHost)},
-                                     {"@KEY@"_L1, key(services.amapKey)}});
+                                     {"@KEY@"_L1, encoded(services.amapKey)}});
 }
