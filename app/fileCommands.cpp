@@ -2,6 +2,7 @@
 
 #include "app/DFView.h"
 #include "app/TrakkoAppDelegate.h"
+#include "app/startUpCheck.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
 #include "data/databaseFile.h"
@@ -95,6 +96,11 @@ void TrakkoAppDelegate::RecoverData() {
   report(databaseFile::restore(databasePath(mainBundle()), path),
          QStringLiteral("「%1」から復元しました。").arg(path),
          QStringLiteral("復元できませんでした"));
+  // Any file may be chosen; one that is no database is taken, and told of.
+  const QString problem = startUpProblem(mainBundle());
+  if (!problem.isNull()) {
+    showStatus(problem);
+  }
   getNewData = 1;
   startRefresh();
   viewMonth->update();
