@@ -209,6 +209,7 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   void finishDownload(SerialPort& port);
   void clearLines();
   QStringList receivedLines();
+  qsizetype lineCount();
   void keepLines();
 
   void request(const QString& command);

@@ -60,7 +60,7 @@ qint32 usbOperating::getAllData() {
     return endMissed;
   }
   downloadDataFinish = false;
-  if (receivedLines().size() <= emptyDownloadLines) {
+  if (lineCount() <= emptyDownloadLines) {
     return noRecords;
   }
   const qint32 result = convertChstr();
@@ -165,7 +165,7 @@ void usbOperating::SendCommandStr() {
 }
 
 void usbOperating::DataFinishCheck() {
-  if (receivedLines().size() <= emptyDownloadLines) {
+  if (lineCount() <= emptyDownloadLines) {
     alertUSB(QStringLiteral("データがありません。"));
     return;
   }

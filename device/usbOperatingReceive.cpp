@@ -90,7 +90,14 @@ void usbOperating::clearLines() {
   chStr = QStringList();
 }
 
+/// A list of its own: one that shared its array would let go of it outside the lock while the
+/// receive thread appends.
 QStringList usbOperating::receivedLines() {
   const std::lock_guard lock(chStrMutex);
-  return chStr;
+  return {chStr.cbegin(), chStr.cend()};
+}
+
+qsizetype usbOperating::lineCount() {
+  const std::lock_guard lock(chStrMutex);
+  return chStr.size();
 }

@@ -42,7 +42,7 @@ QList<QByteArray> someRuns() {
 
 QStringList lines(usbOperating& usb) {
   const std::lock_guard lock(usb.chStrMutex);
-  return usb.chStr;
+  return {usb.chStr.cbegin(), usb.chStr.cend()};
 }
 
 QList<QByteArray> blocksInFile(const QString& path) {
