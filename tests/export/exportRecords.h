@@ -6,10 +6,10 @@
 #include <QFile>
 #include <QString>
 #include <QStringList>
-#include <QTest>
-#include <QXmlStreamReader>
 
-// Records and documents for the export tests. All runs have the number 7.
+#include <pugixml.hpp>
+
+// Records and documents for the export tests. Runs made here have the number 7.
 
 inline constexpr qint64 runNumber = 7;
 
@@ -31,44 +31,19 @@ inline trackPointData pointAt(const QString& time, const QString& distance) {
   return point;
 }
 
-inline PointDictionary pointDictionary(const QList<trackPointData>& points) {
-  PointDictionary result;
-  for (const trackPointData& point : points) {
-    result[recordKey(result.size() + 1)] = point;
-  }
-  return result;
+inline QByteArray fileContent(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : "no file";
 }
 
-// The texts of all elements, or the values of all attributes ("Lap@StartTime"), whose path in the
-// document ends with `path`. Fails the test when the document is not well-formed.
-inline QStringList valuesOf(const QByteArray& document, const QString& path) {
-  const QString wanted = u'/' + path.section(u'@', 0, 0);
-  const QString attribute = path.section(u'@', 1);
-  QXmlStreamReader reader(document);
-  QString at;
+// The texts of the elements or attributes that an XPath expression finds.
+inline QStringList valuesOf(const QByteArray& document, const char* path) {
+  pugi::xml_document tree;
+  tree.load_buffer(document.constData(), static_cast<size_t>(document.size()));
   QStringList values;
-  while (!reader.atEnd()) {
-    reader.readNext();
-    if (reader.isEndElement()) {
-      at.truncate(at.lastIndexOf(u'/'));
-    } else if (reader.isStartElement()) {
-      at += u'/' + reader.qualifiedName().toString();
-      if (at.endsWith(wanted)) {
-        values.append(attribute.isEmpty() ? QStringLiteral("")
-                                          : reader.attributes().value(attribute).toString());
-      }
-    } else if (reader.isCharacters() && attribute.isEmpty() && at.endsWith(wanted)) {
-      values.last() += reader.text();
-    }
-  }
-  if (reader.hasError()) {
-    QTest::qFail(qPrintable(reader.errorString()), __FILE__, __LINE__);
+  for (const pugi::xpath_node& found : tree.select_nodes(path)) {
+    values.append(QString::fromUtf8(found.attribute() ? found.attribute().value()
+                                                      : found.node().text().get()));
   }
   return values;
-}
-
-// The file of that name among the fixtures.
-inline QByteArray fixture(const char* name) {
-  QFile file(QStringLiteral(TRAKKO_FIXTURES "/export/") + QLatin1String(name));
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
