@@ -2,7 +2,9 @@
 
 #include "app/mainQueue.h"
 
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -21,6 +23,16 @@ void fill(QMessageBox& box, const QString& title, const QString& informativeText
 
 QString filterFor(const QString& type) {
   return QStringLiteral("%1 (*.%1)").arg(type);
+}
+
+bool hasType(const QString& path, const QString& type) {
+  return QFileInfo(path).suffix().compare(type, Qt::CaseInsensitive) == 0;
+}
+
+/// Where the file panels begin.
+QString firstFolder() {
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
 void showMessage(QWidget* parent, const QString& text) {
@@ -60,15 +72,32 @@ QString MessageBoxes::fileToSave(const QString& title, const QString& name, cons
   panel.setAcceptMode(QFileDialog::AcceptSave);
   panel.setNameFilter(filterFor(type));
   panel.setDefaultSuffix(type);
-  panel.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+  panel.setDirectory(firstFolder());
   panel.selectFile(name + u'.' + type);
-  return panel.exec() == QDialog::Accepted ? panel.selectedFiles().value(0) : QString();
+  while (panel.exec() == QDialog::Accepted) {
+    const QString chosen = panel.selectedFiles().value(0);
+    if (hasType(chosen, type)) {
+      return chosen;
+    }
+    const QString typed = chosen + u'.' + type;
+    if (!QFileInfo::exists(typed)) {
+      return typed;
+    }
+    panel.selectFile(typed);  // the panel asks before an existing file is replaced
+  }
+  return {};
 }
 
 QString MessageBoxes::fileToOpen(const QString& title, const QString& type) {
   QFileDialog panel(parent, title);
   panel.setFileMode(QFileDialog::ExistingFile);
   panel.setNameFilter(filterFor(type));
-  panel.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-  return panel.exec() == QDialog::Accepted ? panel.selectedFiles().value(0) : QString();
+  panel.setDirectory(firstFolder());
+  while (panel.exec() == QDialog::Accepted) {
+    const QString chosen = panel.selectedFiles().value(0);
+    if (hasType(chosen, type)) {
+      return chosen;
+    }
+  }
+  return {};
 }
