@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QByteArray>
 #include <QLoggingCategory>
-#include <QString>
 #include <memory>
 
 struct sqlite3;
@@ -16,34 +14,14 @@ struct CloseConnection {
 };
 using Connection = std::unique_ptr<sqlite3, CloseConnection>;
 
+/// A statement that SQLite has compiled. Must go before its connection does.
+struct FinalizeStatement {
+  void operator()(sqlite3_stmt* statement) const;
+};
+using PreparedStatement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
+
 /// Executes all statements of the text. False when one fails or `connection` is null.
 bool execute(sqlite3* connection, const char* sql);
 
-/// The rows of a SELECT, one after the other. Columns count from 0; one that is not there, or holds
-/// NULL, is absent. Must go before its connection does.
-class Query {
- public:
-  /// With a null connection, or a text that SQLite does not take, the query has failed.
-  Query(sqlite3* connection, const QByteArray& sql);
-  ~Query();
-  Query(const Query&) = delete;
-  Query& operator=(const Query&) = delete;
-
-  /// Goes to the next row; false when there is none, or on an error.
-  bool next();
-  /// True when an error ended the query: the rows seen so far are not the whole answer.
-  bool failed() const;
-
-  /// The text up to its first zero byte; null when absent.
-  QString text(int column);
-  /// The text read as an integer as far as it is one, 0 when absent.
-  qint64 integer(int column);
-  /// text() of the two columns with a "-" between them, as the dictionaries use it for keys.
-  QString joined(int first, int second);
-
- private:
-  void append(QByteArray& out, int column);
-
-  sqlite3_stmt* statement_ = nullptr;
-  int result_ = 0;
-};
+/// The first statement of the text; null when SQLite does not take it or `connection` is null.
+PreparedStatement prepare(sqlite3* connection, const char* sql);

@@ -13,6 +13,16 @@ namespace {
 /// calendar that reads while a download is stored makes whole runs fail.
 constexpr int busyLimit = 5000;
 
+/// Whether the table of runs can be read. Its first row tells enough.
+bool hasRunTable(sqlite3* connection) {
+  const PreparedStatement probe = prepare(connection, "select * from T_RunData");
+  if (probe == nullptr) {
+    return false;
+  }
+  const int result = sqlite3_step(probe.get());
+  return result == SQLITE_ROW || result == SQLITE_DONE;
+}
+
 }  // namespace
 
 dataControl::dataControl() {
@@ -55,9 +65,7 @@ int dataControl::close_db() {
 
 void dataControl::createDB() {
   open_db();
-  Query probe(usable(), QByteArrayLiteral("select * from T_RunData"));
-  probe.next();  // the first row tells enough
-  if (!probe.failed()) {
+  if (hasRunTable(usable())) {
     return;
   }
   syncEveryCommit();

@@ -1,7 +1,7 @@
 // The questions that the store answers.
 
-#include "data/connection.h"
 #include "data/dataControl.h"
+#include "data/table.h"
 #include "data/text.h"
 
 using namespace Qt::StringLiterals;
@@ -26,7 +26,7 @@ QByteArray startedBetween(const QString& first, const QString& last) {
   return withText(" Where T_RunStartTime Between '", first, "' and '") + withText("", last, "' ");
 }
 
-runData runOf(Query& row) {
+runData runOf(const Table::Row& row) {
   const QString distance = text::fixed(text::toDouble(row.text(4)) / centimetresPerKilometre, 3);
   return {row.text(1),     row.text(2),     row.text(3),
           distance,        row.text(5),     static_cast<qint32>(row.integer(6)),
@@ -38,16 +38,15 @@ runData runOf(Query& row) {
           row.text(22)};
 }
 
-lapData lapOf(Query& row) {
+lapData lapOf(const Table::Row& row) {
   return {
       row.text(1),  row.text(2),  row.text(3),  row.text(4),  static_cast<qint32>(row.integer(5)),
       row.text(6),  row.text(7),  row.text(8),  row.text(9),  row.text(10),
       row.text(11), row.text(12), row.text(13), row.text(14), row.integer(15)};
 }
 
-// Filled member by member, which moves the texts; a run has thousands of points.
-trackPointData pointOf(Query& row) {
-  trackPointData point;
+// Fills the point where it stands in its dictionary; a run has thousands of them.
+void readPoint(const Table::Row& row, trackPointData& point) {
   point.T_PointTime = row.text(1);
   point.T_PointLongitude = row.text(2);
   point.T_PointLogSign = row.text(3);
@@ -63,7 +62,6 @@ trackPointData pointOf(Query& row) {
   point.T_PointCal = row.text(13);
   point.T_Setid = row.integer(14);
   point.T_Cnumber = row.integer(15);
-  return point;
 }
 
 bool isWithoutFix(const trackPointData& point) {
@@ -74,20 +72,16 @@ bool isWithoutFix(const trackPointData& point) {
 
 RunDictionary dataControl::getRunData(const QString& start, const QString& endDateStr) {
   const bool all = start.toUpper() == u"ALL";
-  Query row(usable(),
-            "Select * From T_RunData " +
-                (all ? QByteArrayLiteral(" Where 1=1 ") : startedBetween(start, endDateStr)) +
-                " Order by datetime(T_RunStartTime) desc;");
+  const Table table(
+      usable(), "Select * From T_RunData " +
+                    (all ? QByteArrayLiteral(" Where 1=1 ") : startedBetween(start, endDateStr)) +
+                    " Order by datetime(T_RunStartTime) desc;");
   RunDictionary runs;
   QStringList keys;
-  while (row.next()) {
-    runData run = runOf(row);
-    const QString key = text::padded(run.T_Cnumber, 2);
-    keys.append(key);
-    runs.insert(key, std::move(run));
-  }
-  if (row.failed()) {
-    return {};
+  for (qsizetype i = 0; i < table.rows(); ++i) {
+    const runData run = runOf(table.row(i));
+    keys.append(text::padded(run.T_Cnumber, 2));
+    runs.insert(keys.last(), run);
   }
   if (!keys.isEmpty()) {
     runKeyArray = keys;
@@ -96,58 +90,56 @@ RunDictionary dataControl::getRunData(const QString& start, const QString& endDa
 }
 
 LapDictionary dataControl::getLapData(qint32 number) {
-  Query row(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
-                                 " order by T_LapNo Asc"));
+  const Table table(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
+                                         " order by T_LapNo Asc"));
   LapDictionary laps;
-  while (row.next()) {
+  for (qsizetype i = 0; i < table.rows(); ++i) {
+    const Table::Row row = table.row(i);
     laps.insert(row.joined(15, 5), lapOf(row));
   }
-  return row.failed() ? LapDictionary() : laps;
+  return laps;
 }
 
 PointDictionary dataControl::getTrackData(qint32 number) {
-  Query row(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
-                                 " order by T_SetId Asc"));
+  const Table table(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
+                                         " order by T_SetId Asc"));
   PointDictionary points;
-  qint64 rows = 0;
+  points.reserve(table.rows());
   qint64 withFix = 0;
-  while (row.next()) {
-    trackPointData point = pointOf(row);
-    ++rows;
+  for (qsizetype i = 0; i < table.rows(); ++i) {
+    const Table::Row row = table.row(i);
+    trackPointData& point = points[row.joined(15, 14)];
+    readPoint(row, point);
     withFix += isWithoutFix(point) ? 0 : 1;
-    points.insert(row.joined(15, 14), std::move(point));
   }
-  if (row.failed()) {
-    return {};
-  }
-  if (rows > 0) {
+  if (table.rows() > 0) {
     trackCount = withFix;
   }
   return points;
 }
 
 QString dataControl::GetTrackName(qint64 number) {
-  Query row(usable(), withNumber("Select * From T_RunData Where T_Cnumber=", number));
-  return row.next() ? row.text(1) : u""_s;
+  const Table table(usable(), withNumber("Select * From T_RunData Where T_Cnumber=", number));
+  return table.rows() > 0 ? table.row(0).text(1) : u""_s;
 }
 
 qint32 dataControl::getRunDataTF(const QString& day) {
-  Query row(usable(), "Select * From T_RunData " +
-                          startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s));
-  return row.next() ? 1 : 0;
+  const Table table(usable(), "Select * From T_RunData " +
+                                  startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s));
+  return table.rows() > 0 ? 1 : 0;
 }
 
 qint32 dataControl::checkRecord(const QString& startTime) {
-  Query row(usable(),
-            withText("Select Count(ID) From T_RunData Where T_RunStartTime ='", startTime, "';"));
-  if (!row.next()) {
+  const Table table(usable(), withText("Select Count(ID) From T_RunData Where T_RunStartTime ='",
+                                       startTime, "';"));
+  if (table.rows() == 0) {
     return -1;
   }
-  return row.integer(0) > 0 ? 1 : 0;
+  return table.row(0).integer(0) > 0 ? 1 : 0;
 }
 
 qint64 dataControl::getMaxCnumber(const QString& table) {
   db = open_db();
-  Query row(usable(), withText("Select Max(T_Cnumber) From ", table, ""));
-  return row.next() ? qMax<qint64>(row.integer(0), 0) : 0;
+  const Table largest(usable(), withText("Select Max(T_Cnumber) From ", table, ""));
+  return largest.rows() > 0 ? qMax<qint64>(largest.row(0).integer(0), 0) : 0;
 }

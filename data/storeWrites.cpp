@@ -2,6 +2,7 @@
 
 #include "data/connection.h"
 #include "data/dataControl.h"
+#include "data/insertCache.h"
 #include "data/text.h"
 
 #include <sqlite3.h>
@@ -44,8 +45,9 @@ bool executeInTransaction(sqlite3* connection, const dataControl::Statements& st
   if (!execute(connection, "begin transaction;")) {
     return true;  // nothing to roll back; the commit will tell
   }
+  InsertCache inserts(connection);
   for (const QByteArray& statement : statements) {
-    if (!execute(connection, statement.constData())) {
+    if (!inserts.execute(statement)) {
       logFailure(connection, statement.constData());
       if (execute(connection, "rollback transaction;")) {
         qCInfo(dataLog, "rollback ok");

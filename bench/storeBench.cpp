@@ -1,0 +1,218 @@
+// Storing and reading runs, each beside the sqlite3 shell doing the same work on the same file, the
+// two in turn and compared by their medians. "ratio" above 1 means faster than the shell. The
+// shell's time includes its start as a process, which "shell_start_ms" gives by itself.
+
+#include "data/bundle.h"
+#include "data/dataControl.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+/// A folder with a bundle in it, whose database the store works on.
+struct Folder {
+  QTemporaryDir directory;
+  Bundle bundle{.path = directory.filePath(QStringLiteral("Trakko.app")),
+                .name = QStringLiteral("Trakko")};
+  QString database = databasePath(bundle);
+
+  Folder() { setMainBundle(bundle); }
+  void startAnew() const {
+    QFile::remove(database);
+    const dataControl tables;
+  }
+};
+
+/// Lets the shell work off the script, its output thrown away.
+void runShell(const QString& database, const QString& script) {
+  const QByteArray file = QFile::encodeName(database);
+  const QByteArray input = QFile::encodeName(script);
+  std::array<char, 8> program{"sqlite3"};
+  std::vector<char> path(file.cbegin(), file.cend() + 1);
+  const std::array<char*, 3> arguments{program.data(), path.data(), nullptr};
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, input.constData(), O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  pid_t child = 0;
+  int status = -1;
+  if (posix_spawnp(&child, program.data(), &actions, nullptr, arguments.data(), environ) == 0) {
+    waitpid(child, &status, 0);
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  if (status != 0) {
+    qFatal("sqlite3 failed");
+  }
+}
+
+QString writeScript(const Folder& folder, const char* name, const QByteArray& text) {
+  QFile file(folder.directory.filePath(QLatin1StringView(name)));
+  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+    qFatal("cannot write a script");
+  }
+  return file.fileName();
+}
+
+template <typename Work>
+double seconds(Work&& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+/// Runs both in turn, `prepare` before each of them, and reports the medians.
+template <typename Prepare, typename Ours, typename Shell>
+void compare(benchmark::State& state, const Folder& folder, double rows, Prepare&& prepare,
+             Ours&& ours, Shell&& shell) {
+  const QString nothing = writeScript(folder, "nothing.sql", "select 1;\n");
+  std::vector<double> ourTimes;
+  std::vector<double> shellTimes;
+  std::vector<double> startTimes;
+  for ([[maybe_unused]] auto _ : state) {
+    prepare();
+    shellTimes.push_back(seconds(shell));
+    prepare();
+    ourTimes.push_back(seconds(ours));
+    state.SetIterationTime(ourTimes.back());
+    startTimes.push_back(
+        seconds([&] { runShell(folder.directory.filePath(QStringLiteral("none")), nothing); }));
+  }
+  state.counters["rows_per_s"] = rows / median(ourTimes);
+  state.counters["shell_rows_per_s"] = rows / median(shellTimes);
+  state.counters["ratio"] = median(shellTimes) / median(ourTimes);
+  state.counters["shell_start_ms"] = 1000.0 * median(startTimes);
+}
+
+trackPointData samplePoint(qint64 number) {
+  const int second = static_cast<int>(number % 60);
+  return {QString::asprintf("07:%02d:%02d", static_cast<int>(number / 60 % 60), second),
+          QString::asprintf("139\u00b0%02d.1756", second),
+          QStringLiteral("E"),
+          QString::asprintf("35\u00b0%02d.2345", second),
+          QStringLiteral("N"),
+          QString::asprintf("139.%06lld", 700000 + number),
+          QString::asprintf("35.%06lld", 600000 + number),
+          QString::number(500 + second),
+          QString::number(700 + second),
+          QString::number(40 + second),
+          QStringLiteral("00:00:00"),
+          QString::number(number * 300),
+          QString::number(number * 7),
+          number,
+          1};
+}
+
+/// A download batch of one run with no laps.
+struct Batch {
+  RunDictionary runs;
+  LapDictionary laps;
+  PointDictionary points;
+  QStringList keys{QStringLiteral("0A")};
+
+  explicit Batch(qint64 count) {
+    runData run;
+    run.T_RunStartTime = QStringLiteral("2014-05-17 07:30:05");
+    run.T_RunTrackPoint = count;
+    run.T_Cnumber = 1;
+    runs.insert(keys.first(), run);
+    for (qint64 i = 1; i <= count; ++i) {
+      points.insert(QStringLiteral("0A-") + dataControl::returnKeyStr(QString::number(i)),
+                    samplePoint(i));
+    }
+  }
+
+  QByteArray script() const {
+    QByteArray text = "begin transaction;\n" + dataControl::runSqlStr(runs[keys.first()]) + '\n';
+    for (qsizetype i = 1; i <= points.size(); ++i) {
+      const QString key = dataControl::returnKeyStr(QString::number(i));
+      text += dataControl::trackPointSqlStr(points[QStringLiteral("0A-") + key]) + '\n';
+    }
+    return text + "commit transaction;\n";
+  }
+};
+
+void store(benchmark::State& state) {
+  const Folder folder;
+  const Batch batch(state.range(0));
+  const QString script = writeScript(folder, "store.sql", batch.script());
+  compare(
+      state, folder, static_cast<double>(state.range(0) + 1), [&] { folder.startAnew(); },
+      [&] {
+        dataControl data;
+        if (data.getSqlArr(batch.runs, batch.laps, batch.points, batch.keys) != 1) {
+          state.SkipWithError("not stored");
+        }
+      },
+      [&] { runShell(folder.database, script); });
+}
+BENCHMARK(store)->Arg(5000)->Iterations(25)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// `runs` runs of `points` points each, made by the shell.
+void fill(const Folder& folder, qint64 runs, qint64 points) {
+  folder.startAnew();
+  const QByteArray counting =
+      "with recursive r(i) as (select 1 union all select i+1 from r where i<" +
+      QByteArray::number(runs) + "), p(j) as (select 1 union all select j+1 from p where j<" +
+      QByteArray::number(points) + ") ";
+  runShell(
+      folder.database,
+      writeScript(folder, "fill.sql",
+                  counting + "insert into T_TrackPointData select null,time(j,'unixepoch'),"
+                             "'139\u00b0'||(j%60)||'.1756','E','35\u00b0'||(j%60)||'.2345','N',"
+                             "printf('139.%06d',j),printf('35.%06d',j),500+j%60,700+j%60,40+j%60,"
+                             "'00:00:00',j*300,j*7,j,i from r,p;\n"));
+}
+
+void read(benchmark::State& state) {
+  const Folder folder;
+  const qint64 points = state.range(1);
+  fill(folder, state.range(0), points);
+  const auto number = static_cast<qint32>((state.range(0) + 1) / 2);
+  const QString script =
+      writeScript(folder, "read.sql",
+                  "Select * From T_TrackPointData Where T_Cnumber=" + QByteArray::number(number) +
+                      " order by T_SetId Asc;\n");
+  compare(
+      state, folder, static_cast<double>(points), [] {},
+      [&] {
+        dataControl data;
+        if (data.getTrackData(number).size() != points) {
+          state.SkipWithError("not read");
+        }
+      },
+      [&] { runShell(folder.database, script); });
+}
+BENCHMARK(read)
+    ->ArgNames({"runs", "points"})
+    ->Args({1, 5000})
+    ->Args({1, 100000})
+    ->Args({1000, 2000})
+    ->Iterations(15)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QLoggingCategory::setFilterRules(QStringLiteral("trakko.*=false"));
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
