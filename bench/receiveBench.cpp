@@ -43,7 +43,7 @@ void bareRead(benchmark::State& state) {
   SerialPort port;
   port.open(line.path, 115200);
   double total = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const auto start = std::chrono::steady_clock::now();
     std::thread writer = sendRound(line);
     std::array<char, blockSize> block{};
@@ -72,7 +72,7 @@ void receiveThread(benchmark::State& state) {
   DeviceEnvironment environment;
   environment.registry = registry;
   double total = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const auto usb = usbOperating::create(environment);
     usb->getDataType = 1;
     usb->findDevice(60000);

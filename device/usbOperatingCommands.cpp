@@ -121,7 +121,13 @@ void usbOperating::awaitBlock() {
       downloadFail = true;
       return;
     }
-    std::this_thread::yield();  // never starve the receive thread on a small machine
+    if (readThreadRunning) {
+      std::this_thread::yield();  // never starve the receive thread on a small machine
+    } else {
+      // No block can come any more. An unplugged download waits like this until the program ends;
+      // it need not keep a processor busy.
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
 }
 

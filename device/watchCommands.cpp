@@ -39,12 +39,13 @@ const QString disconnect =
 
 std::array<std::byte, 32> commandBytes(QStringView hex) {
   std::array<std::byte, 32> bytes{};
-  for (std::size_t index = 0; index < bytes.size(); ++index) {
-    const auto at = static_cast<qsizetype>(2 * index);
+  qsizetype at = 0;
+  for (std::byte& byte : bytes) {
     if (at + 1 >= hex.size()) {
       break;
     }
-    bytes[index] = pairValue(hex[at].unicode(), hex[at + 1].unicode());
+    byte = pairValue(hex[at].unicode(), hex[at + 1].unicode());
+    at += 2;
   }
   return bytes;
 }
