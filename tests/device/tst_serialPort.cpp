@@ -58,7 +58,7 @@ class tst_serialPort : public QObject {
     std::thread sender([&] {
       int at = 0;
       for (const int piece : pieces) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(piece == 0 ? 300 : 5));
+        std::this_thread::sleep_for(std::chrono::milliseconds(piece == 0 ? 300 : 1));
         line.send(sent.sliced(at, piece));
         at += piece;
       }

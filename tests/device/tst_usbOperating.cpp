@@ -2,15 +2,14 @@
 #include "data/dataControl.h"
 #include "device/detachThread.h"
 #include "device/usbOperating.h"
-#include "device/watchCommands.h"
 #include "fakeRegistry.h"
 #include "pseudoTerminal.h"
 #include "tools/watchsim/emulatedWatch.h"
 #include "tools/watchsim/watchBlocks.h"
 #include "tools/watchsim/watchMemory.h"
 
-#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 #include <future>
@@ -78,7 +77,7 @@ class tst_usbOperating : public QObject {
     setMainBundle({bundle, QStringLiteral("Trakko")});
     registry_ = std::make_shared<FakeRegistry>();
     dialogs_ = std::make_shared<RecordedDialogs>();
-    environment_ = {registry_, dialogs_, 0.4,
+    environment_ = {registry_, dialogs_, 1.0,
                     folder_->filePath(QStringLiteral("lastDownload.txt"))};
   }
   /// No test leaves a thread behind: closing the line ends them all.

@@ -51,14 +51,6 @@ class tst_watchProtocol : public QObject {
     QCOMPARE(sent(hex), bytes.leftJustified(64, '0'));
   }
 
-  void commands() {
-    QCOMPARE(sent(watchCommand::link), QByteArray("eeee").leftJustified(64, '0'));
-    QCOMPARE(sent(watchCommand::downloadAll), QByteArray("0808aaaa").leftJustified(64, '0'));
-    QCOMPARE(sent(watchCommand::erase), QByteArray("fffd").rightJustified(64, '0'));
-    QCOMPARE(sent(watchCommand::agpsStart), QByteArray("AGPSST").toHex().leftJustified(64, '0'));
-    QCOMPARE(sent(watchCommand::disconnect), QByteArray("ffffffff").leftJustified(64, '0'));
-  }
-
   void lines_data() {
     QTest::addColumn<QByteArray>("block");
     QTest::addColumn<qsizetype>("count");
