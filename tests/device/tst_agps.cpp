@@ -2,7 +2,7 @@
 #include "device/agpsPackets.h"
 #include "device/usbOperating.h"
 #include "fakeRegistry.h"
-#include "pseudoTerminal.h"
+#include "tools/watchsim/emulatedWatch.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -161,10 +161,11 @@ class tst_agps : public QObject {
     CannedServer server;
     server.answer = httpAnswer("200 OK", fileOf(257));
     qputenv("TRAKKO_AGPS_HOST", server.host());
-    const PseudoTerminal line;
+    EmulatedWatch watch({});
+    QVERIFY(watch.start().isNull());
     const auto dialogs = std::make_shared<RecordedDialogs>();
     const auto registry = std::make_shared<FakeRegistry>();
-    const auto usb = usbOperating::create({registry, dialogs, 0.3, {}});
+    const auto usb = usbOperating::create({registry, dialogs, 0.6, {}});
 
     usb->downLoad();
     QVERIFY(server.request.startsWith("GET /current_14d.alp HTTP/1.1\r\n"));
@@ -173,13 +174,12 @@ class tst_agps : public QObject {
     QCOMPARE(dialogs->take(),
              QStringList(u"時計を認識出来ません、再度USB接続を確認して下さい。"_s));
 
-    // With a port, the command arrives; a block in answer does not count as one.
-    registry->plugWatch(line.path);
+    // With a port, the command arrives; nothing counts as its answer.
+    registry->plugWatch(watch.path());
     usb->findDevice(60000);
-    QVERIFY(line.send(QByteArray(36, 'A')));
     server.request.clear();
     usb->downLoad();
-    QCOMPARE(line.receive(32), QByteArray("AGPSST") + QByteArray(26, '\0'));
+    QCOMPARE(watch.commands(), QStringList(u"agps"_s));
     QCOMPARE(usb->alpBuffStr, agps::packets(fileOf(257)));
     QCOMPARE(dialogs->take(),
              QStringList(u"データが見当たりません、USBの接続を確認して下さい。"_s));
@@ -191,9 +191,14 @@ class tst_agps : public QObject {
     qunsetenv("TRAKKO_AGPS_HOST");
     usb->downLoad();
     QCOMPARE(usb->agpsData, fileOf(257));
-    QCOMPARE(line.receive(1, 50), QByteArray());
     QCOMPARE(dialogs->take(), QStringList());
     usb->closeMyDevice();
+
+    // A link leaves a closed port behind, so the announcement after it goes nowhere.
+    usb->sendAgpsData();
+    QCOMPARE(dialogs->take(),
+             QStringList(u"データが見当たりません、USBの接続を確認して下さい。"_s));
+    QCOMPARE(watch.commands(), QStringList({u"agps"_s, u"link"_s}));
   }
 };
 
