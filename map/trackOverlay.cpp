@@ -6,6 +6,8 @@
 
 #include <QLoggingCategory>
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -204,6 +206,26 @@ class BreakList {
   QString list_;
 };
 
+/// The keys of a run's points, all in one text: making a new one for each point costs more than
+/// finding the point.
+class PointKey {
+ public:
+  explicit PointKey(qint64 number) : key_(QString::number(number) + u'-'), start_(key_.size()) {}
+
+  /// Valid until the next call.
+  const QString& ofPoint(int sequence) {
+    std::array<char, 12> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written below
+    const auto end = std::to_chars(digits.begin(), digits.end(), sequence).ptr;
+    key_.truncate(start_);
+    key_ += QLatin1StringView(digits.data(), end);
+    return key_;
+  }
+
+ private:
+  QString key_;
+  qsizetype start_;
+};
+
 void widen(TrackBounds& bounds, Position position) {
   if (bounds.maxLat == TrackBounds::unset) {
     bounds = {position.lat, position.lat, position.lon, position.lon};
@@ -224,10 +246,10 @@ TrackOverlay build(const Dialect& dialect, const PointDictionary& pointDic, qint
   overlay.expression.reserve(count * lengthOfPoint);
   MiddleStretch middle(count);
   BreakList breaks(dialect, static_cast<quint64>(count));
-  const QString prefix = QString::number(number) + u'-';
+  PointKey key(number);
 
   for (int i = 0; i < count; ++i) {
-    const auto point = pointDic.constFind(prefix + QString::number(i + 1));
+    const auto point = pointDic.constFind(key.ofPoint(i + 1));
     if (point == pointDic.constEnd()) {
       qCInfo(lcTrack, "%d", i);
       continue;
