@@ -37,8 +37,9 @@ QByteArray TrakkoAppDelegate::convertTCX(qint64 number) {
   dataControl store;
   pointDic = store.getTrackData(static_cast<qint32>(number));
   lapDic = store.getLapData(static_cast<qint32>(number));
-  myTrackName = withT(store.GetTrackName(number));
-  return writeTcx(lapDic, pointDic, number, myTrackName, offsetNow());
+  const QString startTime = store.GetTrackName(number);
+  myTrackName = withT(startTime);
+  return writeTcx(lapDic, pointDic, number, startTime, offsetNow());
 }
 
 void TrakkoAppDelegate::SaveTCXFile() {
