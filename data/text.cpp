@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <clocale>
+#include <cstdlib>
 #include <limits>
 
 namespace {
@@ -128,7 +130,9 @@ double toDouble(QStringView value) {
   const auto read = std::from_chars(number.cbegin(), number.cend(), result);
   if (read.ec == std::errc::result_out_of_range) {
     // Tells too large (infinite) from too small (0), which std::from_chars does not.
-    result = QByteArrayView(number.constData(), number.size()).toDouble();
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", nullptr);
+    number.append('\0');
+    result = strtod_l(number.constData(), nullptr, c);
   }
   return negative && !number.isEmpty() ? -result : result;
 }
