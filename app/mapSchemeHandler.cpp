@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QWebEngineUrlRequestJob>
+#include <memory>
 
 namespace {
 
@@ -46,10 +47,11 @@ void MapSchemeHandler::requestStarted(QWebEngineUrlRequestJob* job) {
 
 void MapSchemeHandler::replyImage(QWebEngineUrlRequestJob* job, const QString& name) const {
   static const QRegularExpression known(u"^(start|end|arr/dir_\\d+)\\.png$"_s);
-  auto* file = new QFile(imageFolder + name, job);
+  auto file = std::make_unique<QFile>(imageFolder + name);
   if (!known.match(name).hasMatch() || !file->open(QIODevice::ReadOnly)) {
     job->fail(QWebEngineUrlRequestJob::UrlNotFound);
     return;
   }
-  job->reply("image/png", file);
+  file->setParent(job);
+  job->reply("image/png", file.release());
 }

@@ -68,7 +68,7 @@ WebMapView::WebMapView(const std::shared_ptr<Dialogs>& dialogs, const MapSetting
       handler_(std::make_unique<MapSchemeHandler>(services.tileAddress)),
       profile_(makeProfile(cacheFolder)),
       page_(std::make_unique<MapWebPage>(profile_.get(), dialogs, interceptor_->rules)),
-      calls_([this](const QString& script, std::function<void()> finished) {
+      calls_([this](const QString& script, const std::function<void()>& finished) {
         page_->runJavaScript(script, [finished](const QVariant& /*result*/) { finished(); });
       }) {
   profile_->setHttpUserAgent(userAgent(profile_->httpUserAgent()));
@@ -127,7 +127,7 @@ void WebMapView::comeBack() {
   const bool restless =
       lastLoss_.isValid() && !lastLoss_.hasExpired(std::chrono::milliseconds(restlessTime).count());
   lastLoss_.start();
-  QTimer::singleShot(restless ? pauseOfRestless : 0s, this, &WebMapView::load);
+  QTimer::singleShot(restless ? pauseOfRestless : 0s, this, [this] { load(); });
 }
 
 void WebMapView::evaluate(const QString& script, std::function<void()> done) {

@@ -37,6 +37,7 @@ class WebMapView : public QWebEngineView, public MapView {
                       const MapSettings& services = configuredMapSettings(),
                       const QString& cacheFolder = mapCacheFolder());
   ~WebMapView() override;
+  Q_DISABLE_COPY_MOVE(WebMapView)
 
   void loadPage(const QString& html, const QUrl& baseUrl) override;
   void evaluate(const QString& script, std::function<void()> done = {}) override;
