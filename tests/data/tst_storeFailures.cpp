@@ -1,10 +1,9 @@
-#include "data/text.h"
 #include "storeFolder.h"
 
 #include <QtTest>
+#include <array>
 #include <atomic>
 #include <csignal>
-#include <memory>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -54,10 +53,16 @@ void verifyDead(dataControl& data) {
 
 /// Root may write anything; for the life of this, the process is somebody else.
 struct AsNobody {
-  AsNobody() { seteuid(65534); }
-  ~AsNobody() { seteuid(getuid()); }
+  AsNobody() { become(geteuid() == 0 ? 65534 : geteuid()); }
+  ~AsNobody() { become(getuid()); }
   AsNobody(const AsNobody&) = delete;
   AsNobody& operator=(const AsNobody&) = delete;
+
+  static void become(uid_t user) {
+    if (seteuid(user) != 0) {
+      qFatal("cannot change the user");
+    }
+  }
 };
 
 }  // namespace
@@ -235,9 +240,9 @@ void StoreFailuresTest::manyAtOnce() {
   const StoreFolder folder;
   StoreFolder::makeTables();
   std::atomic<bool> stored = false;
-  std::vector<std::thread> readers;
-  for (int i = 0; i < 3; ++i) {
-    readers.emplace_back([&] {
+  std::array<std::thread, 3> readers;
+  for (std::thread& reader : readers) {
+    reader = std::thread([&] {
       while (!stored) {
         dataControl data;
         data.getRunDataTF(u"2014-05-01"_s);
