@@ -9,7 +9,6 @@
 #include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QTemporaryFile>
-#include <QTimer>
 #include <QWebEngineProfile>
 #include <QWebEngineUrlScheme>
 #include <chrono>
@@ -84,6 +83,8 @@ WebMapView::WebMapView(const std::shared_ptr<Dialogs>& dialogs, const MapSetting
     }
   });
   connect(page_.get(), &MapWebPage::renderProcessTerminated, this, &WebMapView::comeBack);
+  reloading_.setSingleShot(true);
+  connect(&reloading_, &QTimer::timeout, this, &WebMapView::load);
 }
 
 WebMapView::~WebMapView() {
@@ -98,6 +99,7 @@ void WebMapView::loadPage(const QString& html, const QUrl& baseUrl) {
 }
 
 void WebMapView::load() {
+  reloading_.stop();
   calls_.reset();
   const QString folder = baseUrl_.isLocalFile() ? baseUrl_.toLocalFile() : QString();
   interceptor_->rules.imageFolder = folder;
@@ -127,7 +129,7 @@ void WebMapView::comeBack() {
   const bool restless =
       lastLoss_.isValid() && !lastLoss_.hasExpired(std::chrono::milliseconds(restlessTime).count());
   lastLoss_.start();
-  QTimer::singleShot(restless ? pauseOfRestless : 0s, this, [this] { load(); });
+  reloading_.start(restless ? pauseOfRestless : 0s);
 }
 
 void WebMapView::evaluate(const QString& script, std::function<void()> done) {

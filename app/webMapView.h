@@ -6,6 +6,7 @@
 #include "map/mapSettings.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWebEngineView>
 #include <memory>
 
@@ -58,6 +59,7 @@ class WebMapView : public QWebEngineView, public MapView {
   QUrl baseUrl_;
   std::unique_ptr<QTemporaryFile> pageFile_;
   QElapsedTimer lastLoss_;
+  QTimer reloading_;
   // Each of these uses the ones above it to its very end.
   std::unique_ptr<MapRequestInterceptor> interceptor_;
   std::unique_ptr<MapSchemeHandler> handler_;
