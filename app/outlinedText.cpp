@@ -2,20 +2,21 @@
 
 #include <QFont>
 #include <QFontMetricsF>
+#include <QPaintDevice>
 #include <QPainter>
-#include <QTransform>
+#include <QPainterPath>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QFont heavyFont(qreal size) {
+QFont heavyFont(int size) {
   QFont font;
   // Arial Black where it is installed, else the face that comes nearest to it. Neither has Japanese
   // glyphs; those come from the last family.
   font.setFamilies({u"Arial Black"_s, u"DejaVu Sans"_s, u"Noto Sans CJK JP"_s});
   font.setWeight(QFont::Black);
-  font.setPixelSize(static_cast<int>(size));
+  font.setPixelSize(size);
   return font;
 }
 
@@ -23,23 +24,39 @@ QFont heavyFont(qreal size) {
 
 void OutlinedText::draw(QPainter& painter, const QString& text, QPointF origin, const Style& style,
                         const QColor& foreground) {
-  painter.setPen(QPen(Qt::black, style.size * style.strokeWidthPercent / 100));
-  painter.setBrush(foreground);
-  painter.translate(origin);
-  painter.drawPath(shape(text, style.size));
-  painter.translate(-origin);
+  if (const qreal ratio = painter.device()->devicePixelRatioF(); ratio != pixelRatio) {
+    pictures.clear();  // the window has moved to another screen
+    pixelRatio = ratio;
+  }
+  const Key key(text, {style.size, foreground.rgb()});
+  Picture picture;
+  if (const Picture* known = pictures.object(key)) {
+    picture = *known;
+  } else {
+    picture = paint(text, style, foreground);
+    pictures.insert(key, new Picture(picture));
+  }
+  const QTransform transform = painter.worldTransform();
+  painter.resetTransform();
+  painter.drawPixmap(transform.map(origin) + picture.offset, picture.pixmap);
+  painter.setWorldTransform(transform);
 }
 
-QPainterPath OutlinedText::shape(const QString& text, qreal size) {
-  const std::pair key(size, text);
-  if (const QPainterPath* known = shapes.object(key)) {
-    return *known;
-  }
-  const QFont font = heavyFont(size);
+OutlinedText::Picture OutlinedText::paint(const QString& text, const Style& style,
+                                          const QColor& foreground) const {
+  const QFont font = heavyFont(style.size);
   QPainterPath glyphs;
-  glyphs.addText(0, 0, font, text);
-  const QTransform upward(1, 0, 0, -1, 0, QFontMetricsF(font).descent());
-  const QPainterPath path = upward.map(glyphs);
-  shapes.insert(key, new QPainterPath(path));
-  return path;
+  glyphs.addText(0, -QFontMetricsF(font).descent(), font, text);
+  const QRect area = glyphs.boundingRect().adjusted(-1, -1, 1, 1).toAlignedRect();
+
+  QPixmap pixmap((QSizeF(area.size()) * pixelRatio).toSize());
+  pixmap.setDevicePixelRatio(pixelRatio);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.translate(-area.topLeft());
+  painter.setPen(QPen(Qt::black, style.size * style.strokeWidthPercent / 100));
+  painter.setBrush(foreground);
+  painter.drawPath(glyphs);
+  return {pixmap, area.topLeft()};
 }

@@ -2,30 +2,38 @@
 
 #include <QCache>
 #include <QColor>
-#include <QPainterPath>
+#include <QPixmap>
 #include <QPointF>
 #include <QString>
+#include <utility>
 
 class QPainter;
 
-/// Draws short texts as filled glyphs with a black outline, for a painter whose y grows upward.
+/// Draws short texts as filled glyphs with a black outline.
 ///
-/// Keeps the shapes of the texts it has drawn: making them takes five times as long as filling
-/// them, and the calendar draws the same ones each time. Main thread.
+/// Keeps the pictures of the texts it has drawn: the calendar draws the same ones each time, and
+/// making them takes longer than asking the store about a whole month. Main thread.
 class OutlinedText {
  public:
   struct Style {
-    qreal size;                ///< Of the font, in view points.
+    int size;                  ///< Of the font, in view points.
     qreal strokeWidthPercent;  ///< Width of the outline in percent of the size.
   };
 
-  /// The lower-left corner of the text's line is put at `origin`.
+  /// Puts the lower-left corner of the text's line at `origin`, upright whatever way the painter's
+  /// y grows. The painter may move and mirror but not scale.
   void draw(QPainter& painter, const QString& text, QPointF origin, const Style& style,
             const QColor& foreground);
 
  private:
-  /// Shapes with the lower-left corner of the line at 0, 0 and y growing upward, by size and text.
-  QCache<std::pair<qreal, QString>, QPainterPath> shapes{100};
+  /// Text, size and colour.
+  using Key = std::pair<QString, std::pair<int, QRgb>>;
+  struct Picture {
+    QPixmap pixmap;
+    QPoint offset;  ///< From the lower-left corner of the line to the upper-left of the pixmap.
+  };
+  QCache<Key, Picture> pictures{150};  ///< For a paint device of `pixelRatio`.
+  qreal pixelRatio = 1;
 
-  QPainterPath shape(const QString& text, qreal size);
+  Picture paint(const QString& text, const Style& style, const QColor& foreground) const;
 };

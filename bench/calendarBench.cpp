@@ -24,8 +24,8 @@ namespace {
 
 const QDate month(2024, 3, 1);
 
-/// A folder whose database holds `count` runs: one every other day of the month drawn, the others
-/// in the years before.
+/// A folder whose database holds `count` runs: the last fifteen on every other day of the month
+/// drawn, the others on the days before, as a database grows.
 class Folder {
  public:
   explicit Folder(qint64 count) {
@@ -33,7 +33,7 @@ class Folder {
     const dataControl tables;
     dataControl::Statements statements;
     for (qint64 i = 0; i < count; ++i) {
-      statements.push_back(dataControl::runSqlStr(sampleRun(i)));
+      statements.push_back(dataControl::runSqlStr(sampleRun(i, count - i)));
     }
     if (dataControl store; store.inData(statements) != 1) {
       qFatal("the runs cannot be stored");
@@ -45,8 +45,8 @@ class Folder {
  private:
   QTemporaryDir directory;
 
-  static runData sampleRun(qint64 i) {
-    const QDate day = i < 15 ? month.addDays(2 * i) : month.addDays(-(i % 3000));
+  static runData sampleRun(qint64 i, qint64 toTheEnd) {
+    const QDate day = month.addDays(toTheEnd <= 15 ? 30 - 2 * toTheEnd : -toTheEnd);
     runData run;
     run.T_RunStartTime = day.toString(u"yyyy-MM-dd"_s) + u" 07:30:05"_s;
     run.T_RunEndTime = day.toString(u"yyyy-MM-dd"_s) + u" 08:21:44"_s;

@@ -1,8 +1,11 @@
 // The questions that the store answers.
 
+#include "data/connection.h"
 #include "data/dataControl.h"
 #include "data/table.h"
 #include "data/text.h"
+
+#include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
@@ -124,9 +127,11 @@ QString dataControl::GetTrackName(qint64 number) {
 }
 
 qint32 dataControl::getRunDataTF(const QString& day) {
-  const Table table(usable(), "Select * From T_RunData " +
-                                  startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s));
-  return table.rows() > 0 ? 1 : 0;
+  const QByteArray sql =
+      "Select * From T_RunData " + startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s);
+  const PreparedStatement statement = prepare(usable(), sql.constData());
+  // The calendar asks this for each day that it draws; the first row tells enough.
+  return statement != nullptr && sqlite3_step(statement.get()) == SQLITE_ROW ? 1 : 0;
 }
 
 qint32 dataControl::checkRecord(const QString& startTime) {
