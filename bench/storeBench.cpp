@@ -188,11 +188,13 @@ void read(benchmark::State& state) {
       writeScript(folder, "read.sql",
                   "Select * From T_TrackPointData Where T_Cnumber=" + QByteArray::number(number) +
                       " order by T_SetId Asc;\n");
+  PointDictionary answer;
   compare(
-      state, folder, static_cast<double>(points), [] {},
+      state, folder, static_cast<double>(points), [&] { answer = {}; },
       [&] {
         dataControl data;
-        if (data.getTrackData(number).size() != points) {
+        answer = data.getTrackData(number);
+        if (answer.size() != points) {
           state.SkipWithError("not read");
         }
       },

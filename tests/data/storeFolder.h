@@ -10,8 +10,8 @@
 #include <QtEndian>
 #include <sqlite3.h>
 
-/// A folder with a bundle in it, whose database every new store works on, and a connection of its
-/// own to see what is really in the file.
+/// A folder with a bundle and an empty database in it, which every new store works on, and a
+/// connection of its own to see what is really in the file.
 struct StoreFolder {
   QTemporaryDir directory;
   QString database = directory.filePath(QStringLiteral("gpsData.db3"));
@@ -19,8 +19,8 @@ struct StoreFolder {
   StoreFolder() {
     setMainBundle({.path = directory.filePath(QStringLiteral("Trakko.app")),
                    .name = QStringLiteral("Trakko")});
+    const dataControl tables;
   }
-  static void makeTables() { const dataControl tables; }
 
   Connection connect() const {
     sqlite3* opened = nullptr;

@@ -83,7 +83,6 @@ void DataControlTest::columns() {
   QFETCH(const QByteArray, statement);
   QFETCH(const QByteArray, table);
   const StoreFolder folder;
-  StoreFolder::makeTables();
   dataControl data;
   QCOMPARE(data.inData({statement}), 1);
   QTEST(folder.ask("select * from " + table).value(0), "row");
@@ -91,7 +90,6 @@ void DataControlTest::columns() {
 
 void DataControlTest::recordsComeBack() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   QCOMPARE(dataControl().inData({dataControl::runSqlStr(numberedRun()),
                                  dataControl::lapSqlStr(numberedLap()),
                                  dataControl::trackPointSqlStr(numberedPoint())}),
@@ -111,30 +109,14 @@ void DataControlTest::recordsComeBack() {
 
 void DataControlTest::compiledAndPlainStatementsDoTheSame_data() {
   QTest::addColumn<QByteArray>("values");
-  for (const char* values : {"(1,'a');",
-                             "(-5,'');",
-                             "(9223372036854775807,'b');",
-                             "(99999999999999999999,'c');",
-                             "(1,'O'Brien');",
-                             "(1,'it''s');",
-                             "(1,'a','b');",
-                             "(1);",
-                             "(1,'a')",
-                             "( 1, 'a' );",
-                             "(1.5,'a');",
-                             "(NULL,'a');",
-                             "(-,'a');",
-                             "(1,'a);",
-                             "(1,'a'); delete from t;",
-                             "(1,'a'); -- end",
-                             "(1,'a'),(2,'b');",
-                             "('4C','a');",
-                             "('12','a');",
-                             "(007,'-1');",
-                             "();",
-                             "(1,'Values (');",
-                             "(1,?);"}) {
-    QTest::newRow(values) << QByteArray(values);
+  const QByteArray list =
+      "(1,'a'); # (-5,''); # (9223372036854775807,'b'); # (99999999999999999999,'c'); # (1);"
+      " # (1,'O'Brien'); # (1,'it''s'); # (1,'a','b'); # (1,'a') # ( 1, 'a' ); # (1.5,'a');"
+      " # (NULL,'a'); # (-,'a'); # (1,'a); # (1,'a'); delete from t; # (1,'a'); -- end"
+      " # (1,'a'),(2,'b'); # ('4C','a'); # ('12','a'); # (007,'-1'); # (); # (1,'Values (');"
+      " # (1,?);";
+  for (const QByteArray& values : list.split('#')) {
+    QTest::newRow(values.trimmed().constData()) << values.trimmed();
   }
 }
 
@@ -159,7 +141,6 @@ void DataControlTest::compiledAndPlainStatementsDoTheSame() {
 
 void DataControlTest::batch() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   Batch batch;
   batch.add(1, u"good"_s, 2, 3);
   batch.add(2, u"O'Brien"_s, 1, 1);
@@ -181,17 +162,13 @@ void DataControlTest::batch() {
   batch.keys = QStringList{u"02"_s};
   QCOMPARE(batch.store(), -1);
   QCOMPARE(Batch().store(), -1);
-  for (const auto& [number, padded] : {std::pair{u"7"_s, u"00007"_s},
-                                       {u""_s, u""_s},
-                                       {u"12345"_s, u"12345"_s},
-                                       {u"123456"_s, u"123456"_s}}) {
-    QCOMPARE(dataControl::returnKeyStr(number), padded);
-  }
+  QCOMPARE(dataControl::returnKeyStr(u"7"_s), u"00007"_s);
+  QCOMPARE(dataControl::returnKeyStr(u""_s), u""_s);
+  QCOMPARE(dataControl::returnKeyStr(u"123456"_s), u"123456"_s);
 }
 
 void DataControlTest::runsOfAPeriod() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   Batch batch;
   for (const int number : {7, 31, 12}) {
     batch.add(number, u"n"_s, 0, 0);
@@ -216,17 +193,12 @@ void DataControlTest::runsOfAPeriod() {
 
 void DataControlTest::pointsWithFix() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   dataControl::Statements statements;
   qint64 number = 0;
-  for (const auto& [longitudeSign, latitudeSign] : {std::pair{u"E"_s, u"N"_s},
-                                                    {u"0"_s, u"N"_s},
-                                                    {u"0"_s, u"0"_s},
-                                                    {u"0"_s, u""_s},
-                                                    {u""_s, u"N"_s}}) {
+  for (const QString& signs : {u"EN"_s, u"0N"_s, u"00"_s, u"0"_s, u""_s}) {
     trackPointData point = numberedPoint();
-    point.T_PointLogSign = longitudeSign;
-    point.T_PointLatSign = latitudeSign;
+    point.T_PointLogSign = signs.left(1);
+    point.T_PointLatSign = signs.mid(1);
     point.T_Setid = ++number;
     statements.push_back(dataControl::trackPointSqlStr(point));
   }
@@ -241,7 +213,6 @@ void DataControlTest::pointsWithFix() {
 // A restored file may come from anywhere.
 void DataControlTest::foreignValues() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   folder.ask(
       "insert into T_RunData(T_RunStartTime,T_RunLap,T_RunTrackPoint,T_Cnumber) "
       "values(x'80ff', '3 laps', 2.75, 5);"
@@ -261,7 +232,6 @@ void DataControlTest::foreignValues() {
 
 void DataControlTest::deletes() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   Batch batch;
   batch.add(1, u"n"_s, 2, 3);
   batch.add(2, u"n"_s, 1, 1);

@@ -69,6 +69,7 @@ struct AsNobody {
 
 void StoreFailuresTest::deadAfterMakingTheTables() {
   const StoreFolder folder;
+  QFile::remove(folder.database);
   dataControl data;
   QCOMPARE(folder.counts(), u"0|0|0|0"_s);
   verifyDead(data);
@@ -120,7 +121,6 @@ void StoreFailuresTest::unusablePlaces() {
 
 void StoreFailuresTest::readOnlyFile() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   QCOMPARE(oneRun().store(), 1);
   chmod(QFile::encodeName(folder.database).constData(), 0444);
   chmod(QFile::encodeName(folder.directory.path()).constData(), 0555);
@@ -137,7 +137,6 @@ void StoreFailuresTest::readOnlyFile() {
 
 void StoreFailuresTest::rollback() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   const QByteArray wrong = "Insert Into T_RunData (T_RunName) Values ('O'Brien');";
   QTest::ignoreMessage(QtWarningMsg, wrong.constData());
   QTest::ignoreMessage(QtInfoMsg, "rollback ok");
@@ -156,7 +155,6 @@ void StoreFailuresTest::rollback() {
 // Storing waits for a writer that comes to an end.
 void StoreFailuresTest::otherWriter() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   const Connection other = folder.connect();
   QVERIFY(execute(other.get(), "begin exclusive transaction; insert into T_RunData(ID) values(9)"));
   std::thread ending([&] {
@@ -172,7 +170,6 @@ void StoreFailuresTest::otherWriter() {
 // A reader that never ends lets everything happen but the commit.
 void StoreFailuresTest::otherReader() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   Connection other = folder.connect();
   QVERIFY(execute(other.get(), "begin transaction; select * from T_RunData"));
   QTest::ignoreMessage(QtWarningMsg, "commit transaction;");
@@ -184,7 +181,6 @@ void StoreFailuresTest::otherReader() {
 
 void StoreFailuresTest::fullDisk() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   QCOMPARE(oneRun().store(), 1);
   rlimit before{};
   getrlimit(RLIMIT_FSIZE, &before);
@@ -202,7 +198,6 @@ void StoreFailuresTest::fullDisk() {
 
 void StoreFailuresTest::killedWhileStoring() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   constexpr int points =
       9000;  // more than the page cache holds, so the file changes before the end
   const QString journal = folder.database + "-journal";
@@ -238,7 +233,6 @@ void StoreFailuresTest::killedWhileStoring() {
 // The calendar and the tables read on threads of their own while a download is stored.
 void StoreFailuresTest::manyAtOnce() {
   const StoreFolder folder;
-  StoreFolder::makeTables();
   std::atomic<bool> stored = false;
   std::array<std::thread, 3> readers;
   for (std::thread& reader : readers) {
