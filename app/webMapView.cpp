@@ -74,6 +74,7 @@ WebMapView::WebMapView(const std::shared_ptr<Dialogs>& dialogs, const MapSetting
   profile_->setUrlRequestInterceptor(interceptor_.get());
   profile_->installUrlSchemeHandler(mapScheme, handler_.get());
   setContextMenuPolicy(Qt::NoContextMenu);
+  setAccessibleName(u"地図"_s);
   setPage(page_.get());
   connect(page_.get(), &MapWebPage::ready, this, [this] { calls_.start(); });
   connect(page_.get(), &MapWebPage::titleChanged, this, [this](const QString& title) {
