@@ -8,9 +8,9 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSet>
 
 namespace {
 
@@ -45,6 +45,10 @@ void MainWindow::connectOutlets() {
   progress->setAccessibleName(QStringLiteral("ダウンロード中"));
   ui_->statusBar->addPermanentWidget(progress);
   progress->hide();
+  auto* line = new QLabel(this);
+  line->setTextFormat(Qt::PlainText);
+  line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  ui_->statusBar->addWidget(line, 1);
   auto* button = new QPushButton(QStringLiteral("ダウンロード"), this);
   button->hide();
 
@@ -55,6 +59,7 @@ void MainWindow::connectOutlets() {
   controller_->pointView = ui_->pointView;
   controller_->getDBu = button;
   controller_->progressBar = progress;
+  controller_->statusLine = line;
   setUpTable(ui_->tView, controller_, runColumns());
   setUpTable(ui_->lapView, controller_, lapColumns());
   setUpTable(ui_->pointView, controller_, pointColumns());
@@ -62,8 +67,10 @@ void MainWindow::connectOutlets() {
 
 void MainWindow::connectCommands() {
   const auto on = [this](QAction* action, void (TrakkoAppDelegate::*command)()) {
-    connect(action, &QAction::triggered, controller_,
-            [this, command] { (controller_->*command)(); });
+    connect(action, &QAction::triggered, controller_, [this, command] {
+      controller_->followSelection();
+      (controller_->*command)();
+    });
   };
   on(ui_->actionDownload, &TrakkoAppDelegate::downloadDataBu);
   on(ui_->actionDeleteOne, &TrakkoAppDelegate::deleteOneData);
@@ -76,6 +83,7 @@ void MainWindow::connectCommands() {
   connect(ui_->tView, &QTableView::clicked, controller_,
           [this](const QModelIndex& cell) { controller_->tableviewClick(cell.row()); });
   ui_->tView->installEventFilter(this);
+  ui_->tView->viewport()->installEventFilter(this);
   // Without runs these two have nothing to do; the others act, or at least ask, at any time.
   const auto greyOut = [this] {
     const bool anyRuns = ui_->tView->model()->rowCount() > 0;
@@ -87,17 +95,14 @@ void MainWindow::connectCommands() {
   ui_->tView->setFocus();
 }
 
-// Choosing a run with the keyboard counts as a click. Only once the key is up: a key held down runs
-// through the list without drawing every run.
+// Keys, typing and dragging choose a run, too, but only once the key or button is up: a key held
+// down runs through the list without drawing every run.
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == ui_->tView && event->type() == QEvent::KeyRelease) {
-    const auto* key = static_cast<QKeyEvent*>(event);
-    static const QSet<int> choosing = {Qt::Key_Up,       Qt::Key_Down,  Qt::Key_PageUp,
-                                       Qt::Key_PageDown, Qt::Key_Home,  Qt::Key_End,
-                                       Qt::Key_Return,   Qt::Key_Enter, Qt::Key_Space};
-    if (!key->isAutoRepeat() && choosing.contains(key->key())) {
-      controller_->tableviewClick(ui_->tView->currentIndex().row());
-    }
+  const bool isRelease =
+      event->type() == QEvent::MouseButtonRelease ||
+      (event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat());
+  if (isRelease) {
+    controller_->followSelection();
   }
   return QMainWindow::eventFilter(watched, event);
 }

@@ -1,14 +1,13 @@
 #include "app/TrakkoAppDelegate.h"
 
-#include "app/MainWindow.h"
 #include "app/mainQueue.h"
 #include "device/detachThread.h"
 
 #include <QCoreApplication>
+#include <QLabel>
 #include <QLoggingCategory>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QStatusBar>
 #include <QTimer>
 #include <utility>
 
@@ -69,15 +68,24 @@ bool TrakkoAppDelegate::windowShouldClose() {
 void TrakkoAppDelegate::windowDidResize() {}
 
 void TrakkoAppDelegate::startRefresh() {
-  detachThread("refresh", [this] { refreshData(); });
+  detachThread("refresh", [this, generation = ++newestRefresh] { refreshData(generation); });
 }
 
-void TrakkoAppDelegate::refreshData() {
+void TrakkoAppDelegate::startRefreshOfNewData() {
+  getNewData = 1;
+  startRefresh();
+}
+
+// Of several refreshes under way only the newest draws: it has the newest data, and an older one
+// would take the order to draw away from it.
+void TrakkoAppDelegate::refreshData(int generation) {
   setViewData(QStringLiteral("All"), QStringLiteral(""));
   if (getNewData == 1) {
-    mainQueue.post([this] {
-      displayMap();
-      getNewData = 0;
+    mainQueue.post([this, generation] {
+      if (generation == newestRefresh) {
+        displayMap();
+        getNewData = 0;
+      }
     });
   }
 }
@@ -87,5 +95,6 @@ void TrakkoAppDelegate::alertUSB(const QString& message) {
 }
 
 void TrakkoAppDelegate::showStatus(const QString& line) {
-  window->statusBar()->showMessage(line);
+  statusLine->setText(line);
+  statusLine->setToolTip(line);
 }

@@ -22,6 +22,7 @@
 class DFView;
 class MainWindow;
 class MapView;
+class QLabel;
 class QProgressBar;
 class QPushButton;
 class QTableView;
@@ -58,6 +59,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   QPushButton* getDBu = nullptr;  ///< Hidden at start-up and never shown again.
   QProgressBar* progressBar = nullptr;
   MapView* theWebView = nullptr;
+  QLabel* statusLine = nullptr;  ///< What became of the last command, in one line.
 
   std::vector<tViewData> runViewData;
   std::vector<lViewData> lapViewData;
@@ -94,13 +96,17 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void deleteOneData();
   void deleteAllData();
   void tableviewClick(int clickedRow);
+  /// Makes the highlighted run the current one when it is not, as a click on it would: a row can be
+  /// reached by dragging, by keys and by typing, too.
+  void followSelection();
   void SaveTCXFile();
   void saveGPXFile();
   void BackupData();
   void RecoverData();
 
   // Bodies of threads.
-  void refreshData();
+  /// `generation` is the number of the refresh; only the newest redraws the map.
+  void refreshData(int generation);
   void downloadData();
   void controlProgressIndicator();
 
@@ -162,12 +168,12 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   struct LoadedTrack;
 
   void startRefresh();
+  void startRefreshOfNewData();
   void waitForFirstLoad(int counter);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void clearTables();
   void downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code);
   void askToEraseWatch(const std::shared_ptr<usbOperating>& usb);
-  void showProgress(bool shown);
   void showProgressValue(double value);
   void showStatus(const QString& line);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
@@ -182,7 +188,8 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
 
   ControllerContext context;
   Selection selection;
+  int newestRefresh = 0;
+  bool pageAnswers = false;         ///< The page's script runs, whether or not it has a map yet.
   bool mapLoaded = false;           ///< The page has reported its map.
-  std::atomic<int> downloads{0};    ///< Downloads under way.
   std::atomic<int> shownValue{-1};  ///< What the progress bar is about to show; -1 when it does.
 };

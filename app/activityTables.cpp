@@ -209,6 +209,13 @@ void TrakkoAppDelegate::tableviewClick(int clickedRow) {
   }
 }
 
+void TrakkoAppDelegate::followSelection() {
+  const int row = tView->currentIndex().row();
+  if (row >= 0 && text::toInteger(runKArr.value(row)) != currentNumber) {
+    tableviewClick(row);
+  }
+}
+
 double TrakkoAppDelegate::trackTimeValue(const QString& time) const {
   return ::trackTimeValue(time);
 }

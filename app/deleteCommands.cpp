@@ -5,19 +5,21 @@
 #include "data/dataControl.h"
 
 void TrakkoAppDelegate::deleteOneData() {
-  if (runViewData.empty() || currentNumber <= 0 ||
+  // While the question stands, a download may end and choose another run.
+  const qint64 number = currentNumber;
+  if (runViewData.empty() || number <= 0 ||
       !context.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
-  const qint32 result = dataControl().deleteOneData(currentNumber);
+  const qint32 result = dataControl().deleteOneData(number);
   reportDeletion(result);
   if (runViewData.size() <= 1) {
     currentNumber = 0;
     clearTables();
     return;
   }
+  mainQueue.post([this] { startRefreshOfNewData(); });
   getNewData = 1;
-  mainQueue.post([this] { startRefresh(); });
 }
 
 void TrakkoAppDelegate::deleteAllData() {

@@ -5,6 +5,7 @@
 #include "device/detachThread.h"
 
 #include <QProgressBar>
+#include <QScopeGuard>
 #include <thread>
 
 namespace {
@@ -50,14 +51,15 @@ QString lineFor(LinkObstacle obstacle) {
 
 void TrakkoAppDelegate::downloadDataBu() {
   checkStop = false;
-  ++downloads;
   showStatus(QStringLiteral("時計からダウンロードしています..."));
-  showProgress(true);
+  progressBar->setVisible(true);
   detachThread("progress", [this] { controlProgressIndicator(); });
   detachThread("download", [this] {
+    const auto atAnyEnd = qScopeGuard([this] {
+      checkStop = true;
+      performOnMainThread([this] { progressBar->setVisible(false); });
+    });
     downloadData();
-    --downloads;
-    performOnMainThread([this] { showProgress(false); });
   });
 }
 
@@ -66,14 +68,12 @@ void TrakkoAppDelegate::downloadData() {
   const auto session = std::make_shared<WatchSession>();
   auto usb = usbOperating::create(context.device, session);
   if (!usb->linkCommand()) {
-    checkStop = true;
     performOnMainThread([this, line = lineFor(usb->linkObstacle)] { showStatus(line); });
     return;
   }
   usb = usbOperating::create(context.device, session);
   const qint32 code = usb->getAllData();
   downloadFinished(usb, code);
-  checkStop = true;
 }
 
 void TrakkoAppDelegate::downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code) {
@@ -87,7 +87,7 @@ void TrakkoAppDelegate::downloadFinished(const std::shared_ptr<usbOperating>& us
   }
   getNewData = 1;
   mainQueue.post([this, usb] { askToEraseWatch(usb); });
-  mainQueue.post([this] { startRefresh(); });
+  mainQueue.post([this] { startRefreshOfNewData(); });
 }
 
 // The codes without a message box still leave a line in the status bar.
@@ -137,8 +137,4 @@ void TrakkoAppDelegate::showProgressValue(double value) {
   if (shownValue.exchange(static_cast<int>(value)) == taken) {
     performOnMainThread([this] { progressBar->setValue(shownValue.exchange(taken)); });
   }
-}
-
-void TrakkoAppDelegate::showProgress(bool shown) {
-  progressBar->setVisible(shown || downloads > 0);
 }

@@ -79,9 +79,10 @@ int main(int argc, char* argv[]) {
   QObject::connect(&instance, &SingleInstance::raiseRequested, window,
                    [window] { raiseWindow(window); });
 
+  // Before any connection is open: closing the file would take their locks away.
+  const QString problem = startUpProblem(mainBundle());
   controller->awakeFromNib();
   window->show();
-  const QString problem = startUpProblem(mainBundle());
   if (!problem.isNull()) {
     dialogs->message(problem);
   }

@@ -51,6 +51,7 @@ void TrakkoAppDelegate::webLoadStr() {
 
 void TrakkoAppDelegate::didReceiveTitle(const QString& title) {
   qCInfo(lcMap).noquote() << title;
+  pageAnswers = pageAnswers || title.startsWith(QStringLiteral("Map Load"));
   if (title != QStringLiteral("Map Load OK")) {
     return;
   }
@@ -61,6 +62,7 @@ void TrakkoAppDelegate::didReceiveTitle(const QString& title) {
 }
 
 void TrakkoAppDelegate::pageReset() {
+  pageAnswers = false;
   mapLoaded = false;
   checkInitMap = false;
 }
@@ -91,6 +93,9 @@ std::shared_ptr<TrakkoAppDelegate::LoadedTrack> TrakkoAppDelegate::loadTrack(qin
   auto track = std::make_shared<LoadedTrack>();
   track->points = dataControl().getTrackData(static_cast<qint32>(number));
   track->runs = dataControl().getRunData(QStringLiteral("All"), QStringLiteral(""));
+  if (!google) {
+    qCInfo(lcMap, "%lld", static_cast<long long>(track->runs.size()));
+  }
   track->laps = dataControl().getLapData(static_cast<qint32>(lapsNumber));
   track->overlay = google ? buildGoogleOverlay(track->points, number, arrow)
                           : buildGDOverlay(track->points, number, arrow);
@@ -120,7 +125,7 @@ void TrakkoAppDelegate::drawTrack(const QString& expression) {
     setGDMapPoly(expression, breakPointStr);  // the script is not evaluated on this page
     return;
   }
-  if (!mapLoaded) {
+  if (!pageAnswers) {
     return;  // the page draws the run when it reports its map
   }
   checkInitMap = true;
@@ -145,7 +150,6 @@ QString TrakkoAppDelegate::getGoogleMapStr(qint64 number) {
 
 QString TrakkoAppDelegate::getGDMapStr(qint64 number) {
   const auto track = loadTrack(number, currentNumber, false, arrPointStr);
-  qCInfo(lcMap, "%lld", static_cast<long long>(track->runs.size()));
   takeTrack(*track);
   return track->overlay.expression;
 }

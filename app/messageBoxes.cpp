@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -15,8 +16,11 @@ void fill(QMessageBox& box, const QString& title, const QString& informativeText
   box.setWindowTitle(title);
   box.setText(QStringLiteral("<b>") + title + QStringLiteral("</b>"));
   box.setTextFormat(Qt::RichText);
+  box.setInformativeText(informativeText);
   // The text may quote a file name or other foreign text, which must not be read as markup.
-  box.setInformativeText(informativeText.toHtmlEscaped());
+  if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+    label->setTextFormat(Qt::PlainText);
+  }
   // The style's own width breaks Japanese sentences after a few words.
   box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: 22em; }"));
 }

@@ -36,6 +36,9 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant TableModel::data(const QModelIndex& index, int role) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+    return {};
+  }
   const TableColumn& column = tableColumns.at(static_cast<std::size_t>(index.column()));
   if (role == Qt::DisplayRole) {
     return dataSource->tableView(tableView, column.identifier, index.row());
@@ -48,7 +51,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation != Qt::Horizontal) {
+  if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
     return {};
   }
   const TableColumn& column = tableColumns.at(static_cast<std::size_t>(section));

@@ -1,7 +1,7 @@
 #include "storedRuns.h"
 #include "windowFixture.h"
 
-#include <QStatusBar>
+#include <QLabel>
 #include <QTableView>
 #include <QTimer>
 
@@ -90,7 +90,7 @@ void TestCommands::backupKeepsAnExistingFile() {
   write(fixture.file("old.db3"), "an older backup");
   fixture.controller->BackupData();
   QCOMPARE(content(fixture.file("old.db3")), QByteArray("an older backup"));
-  QVERIFY(fixture.window->statusBar()->currentMessage().startsWith("バックアップできませんでした"));
+  QVERIFY(fixture.controller->statusLine->text().startsWith("バックアップできませんでした"));
 }
 
 void TestCommands::restoreOfNoDatabase() {
@@ -105,7 +105,7 @@ void TestCommands::restoreOfNoDatabase() {
   QCOMPARE(content(fixture.file("gpsData-before-restore.db3")), before);
   QCOMPARE(dataControl().getRunData("all", {}).size(), 0);
   QCOMPARE(fixture.controller->tView->model()->rowCount(), 2);  // without runs the rows stay
-  QVERIFY(fixture.window->statusBar()->currentMessage().contains("データベースではない"));
+  QVERIFY(fixture.controller->statusLine->text().contains("データベースではない"));
   // The old runs come back from where they were put aside.
   fixture.dialogs->fileAnswer = fixture.file("gpsData-before-restore.db3");
   fixture.controller->RecoverData();

@@ -23,7 +23,10 @@ class TestController : public QObject {
   void emptyStore();
   void firstRunIsShown();
   void clickShowsThatRunEverywhere();
+  void everyWayToHighlightARunChoosesIt();
   void lateLoadDoesNotOverwriteAClick();
+  void onlyTheNewestRefreshDraws();
+  void runThatWasAskedForIsDeleted();
   void firstRunIsDrawnOnce_data();
   void firstRunIsDrawnOnce();
   void deleting_data();
@@ -86,6 +89,64 @@ void TestController::clickShowsThatRunEverywhere() {
   QCOMPARE(fixture.map.calls[2],
            QString("Setfitbounds(36.001000 | 36.012000 | 139.001000 | 139.012000)"));
   QVERIFY(fixture.map.calls[3].startsWith("midLineArrows(new Array("));
+}
+
+void TestController::everyWayToHighlightARunChoosesIt() {
+  WindowFixture fixture;
+  storeRuns(4);
+  fixture.start();
+  QTableView* runs = fixture.controller->tView;
+  const auto middle = [runs](int row) {
+    return runs->visualRect(runs->model()->index(row, 0)).center();
+  };
+  QTest::mousePress(runs->viewport(), Qt::LeftButton, {}, middle(0));
+  QTest::mouseMove(runs->viewport(), middle(2));
+  QTest::mouseRelease(runs->viewport(), Qt::LeftButton, {}, middle(2));
+  QCOMPARE(fixture.controller->runKArr.value(runs->currentIndex().row()).toInt(),
+           fixture.controller->currentNumber);
+  QTest::keyClick(runs, Qt::Key_Down);
+  QCOMPARE(fixture.controller->currentNumber, 1);
+  // A key that is still down when the command is given.
+  QTest::keyPress(runs, Qt::Key_Up);
+  QTest::keySequence(fixture.window.get(), QKeySequence("Ctrl+T"));
+  QCOMPARE(fixture.dialogs->panels.value(0), "Save File|20260502073000|TCX");
+  // The release of a key that was pressed elsewhere is no click.
+  fixture.settle();
+  fixture.map.calls.clear();
+  QTest::keyRelease(runs, Qt::Key_Return);
+  fixture.settle();
+  QVERIFY(fixture.map.calls.isEmpty());
+}
+
+void TestController::onlyTheNewestRefreshDraws() {
+  WindowFixture fixture;
+  storeRuns(4);
+  fixture.start();
+  fixture.controller->didReceiveTitle("Map Load OK");
+  fixture.settle();
+  fixture.map.calls.clear();
+  fixture.dialogs->eraseAnswer = true;
+  fixture.controller->deleteOneData();
+  mainQueue.post([&] {
+    QTest::qWait(100);  // the first refresh ends while a question of the download stands
+    fixture.controller->deleteOneData();
+  });
+  fixture.settle();
+  QCOMPARE(fixture.controller->currentNumber, 2);
+  QVERIFY(fixture.map.calls.filter("MapPolyline").last().contains("lat: 37.001000"));
+}
+
+void TestController::runThatWasAskedForIsDeleted() {
+  WindowFixture fixture;
+  storeRuns(3);
+  fixture.start();
+  fixture.controller->calltView({2});
+  fixture.controller->tableviewClick(2);
+  fixture.dialogs->eraseAnswer = true;
+  fixture.dialogs->duringQuestion = [&] { fixture.controller->tableviewClick(0); };
+  fixture.controller->deleteOneData();
+  fixture.settle();
+  QCOMPARE(fixture.controller->runKArr, QStringList({"03", "02"}));
 }
 
 void TestController::lateLoadDoesNotOverwriteAClick() {

@@ -3,8 +3,8 @@
 #include "tools/watchsim/watchMemory.h"
 #include "windowFixture.h"
 
+#include <QLabel>
 #include <QProgressBar>
-#include <QStatusBar>
 
 namespace {
 
@@ -82,7 +82,7 @@ void TestDownload::nothingNewAddsNothing() {
   QCOMPARE(dataControl().getRunData("all", {}).size(), runCount);
   QCOMPARE(dataControl().getTrackData(1).size(), 20);
   QCOMPARE(fixture.dialogs->questions.size(), 1);
-  QCOMPARE(fixture.window->statusBar()->currentMessage(), "新しいランはありませんでした。");
+  QCOMPARE(fixture.controller->statusLine->text(), "新しいランはありませんでした。");
 }
 
 void TestDownload::messages_data() {
@@ -128,8 +128,8 @@ void TestDownload::statusLines() {
   fixture.registry->node = node;
   fixture.controller->downloadDataBu();
   fixture.settle();
-  QVERIFY2(fixture.window->statusBar()->currentMessage().contains(line),
-           qUtf8Printable(fixture.window->statusBar()->currentMessage()));
+  QVERIFY2(fixture.controller->statusLine->text().contains(line),
+           qUtf8Printable(fixture.controller->statusLine->text()));
 }
 
 void TestDownload::secondDownloadWhileOneRuns() {

@@ -19,7 +19,8 @@
 class ScriptedDialogs : public Dialogs {
  public:
   bool eraseAnswer = false;
-  QString fileAnswer;  ///< Null cancels the panels.
+  QString fileAnswer;                    ///< Null cancels the panels.
+  std::function<void()> duringQuestion;  ///< What happens while the question stands.
 
   void message(const QString& text) override {
     const std::lock_guard lock(mutex_);
@@ -27,6 +28,9 @@ class ScriptedDialogs : public Dialogs {
   }
   bool confirmErase(const QString& text) override {
     questions << text;
+    if (duringQuestion) {
+      duringQuestion();
+    }
     return eraseAnswer;
   }
   QString fileToSave(const QString& title, const QString& name, const QString& type) override {
