@@ -2,6 +2,7 @@
 #include "tests/map/webFixture.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 /// What the pages ask of the map services, in the real engine with a recorder in their place.
 class MapPagesTest : public QObject {
@@ -14,14 +15,11 @@ class MapPagesTest : public QObject {
   void googleTrack_data();
   void googleTrack();
   void googleDrawsAnew();
-  void googlePositionMarker();
   void arrowImages_data();
   void arrowImages();
   void amapPageComesUp();
   void amapTrack_data();
   void amapTrack();
-  void amapFunctions();
-  void amapStartsOver();
   void errorsBecomeMessages();
 
  private:
@@ -52,6 +50,11 @@ QString places(int from, int to) {
     list += place(i);
   }
   return list.join(' ');
+}
+
+/// The calls without their arguments.
+QString heads(QStringList calls) {
+  return calls.replaceInStrings(QRegularExpression("\\(.*"), "").join(',');
 }
 
 }  // namespace
@@ -87,9 +90,6 @@ void MapPagesTest::googlePageComesUp() {
   QVERIFY(loadGoogle());
   QVERIFY(fixture->server.requests.first().startsWith(
       "GET /maps/api/js?key=g-key&callback=initMap&language=en&region=GB "));
-  QCOMPARE(newCalls(), QStringList{"Map1 = Map(#map, {center:{lat:35.682492 lng:139.7529278} "
-                                   "streetViewControl:false panControl:true scaleControl:true "
-                                   "zoom:13})"});
   QCOMPARE(fixture->titles->value(0).value(0), "Simple Map");
   QCOMPARE(fixture->titles->value(1).value(0), "Map Load Start");
   QCOMPARE(fixture->value("google.maps.controlStyle + lineSymbol.path"), "azteca1");
@@ -144,47 +144,16 @@ void MapPagesTest::googleDrawsAnew() {
   newCalls();
   fixture->draw(straightRun(2));
   const QStringList calls = newCalls();
-  const QStringList expected{
-      "Map3 = Map",
-      "Polyline1.setMap(null)",
-      "Marker1.setMap(null)",
-      "Marker4 = Marker",
-      "Marker2.setMap(null)",
-      "Marker5 = Marker",
-      "Polyline2 = Polyline",
-      "LatLngBounds2 = LatLngBounds()",
-      "LatLngBounds2.extend((35.600000,139.700000))",
-      "LatLngBounds2.extend((35.600100,139.700100))",
-      "Map3.fitBounds(LatLngBounds2)",
-      "Size2 = Size(24, 24)",
-      "Point3 = Point(0, 0)",
-      "Point4 = Point(12, 12)",
-      "MarkerImage2 = MarkerImage(\"HOST/mapfiles/dir_39.png\", Size2, Point3, Point4)",
-      "Marker3.setMap(null)",
-      "Marker6 = Marker({position:(35.60004",
-      "Marker6.setMap(Map3)"};
-  QCOMPARE(calls.size(), expected.size());
-  for (int i = 0; i < calls.size(); ++i) {
-    QVERIFY2(calls[i].startsWith(expected[i]), qPrintable(calls[i] + " / " + expected[i]));
-  }
+  QCOMPARE(heads(calls),
+           "Map3 = Map,Polyline1.setMap,Marker1.setMap,Marker4 = Marker,Marker2.setMap,"
+           "Marker5 = Marker,Polyline2 = Polyline,LatLngBounds2 = LatLngBounds,"
+           "LatLngBounds2.extend,LatLngBounds2.extend,Map3.fitBounds,Size2 = Size,Point3 = Point,"
+           "Point4 = Point,MarkerImage2 = MarkerImage,Marker3.setMap,Marker6 = Marker,"
+           "Marker6.setMap");
+  QVERIFY(calls.contains("LatLngBounds2.extend((35.600000,139.700000))"));
+  QVERIFY(calls.contains("LatLngBounds2.extend((35.600100,139.700100))"));
   fixture->view->evaluate("SetMapNull();");
   QCOMPARE(newCalls(), QStringList{"Polyline2.setMap(null)"});
-}
-
-void MapPagesTest::googlePositionMarker() {
-  QVERIFY(loadGoogle());
-  newCalls();
-  const QString created =
-      "Marker%1 = Marker({position:{lat:35 lng:139} map:Map1 icon:{url:\"2.png\" size:Size%1 "
-      "origin:Point%2 anchor:Point%3}})";
-  fixture->view->evaluate("marker_add_remover(35, 139);");
-  QCOMPARE(newCalls().last(), created.arg(1).arg(1).arg(2));
-  fixture->view->evaluate("marker_add_remover(35, 139);");
-  const QStringList again = newCalls();
-  QVERIFY(again.contains("Marker1.setMap(null)"));
-  QVERIFY(again.contains("Point4 = Point(0, 32)"));
-  fixture->view->evaluate("marker_add_remover(360, 0);");
-  QCOMPARE(newCalls(), QStringList{"Marker2.setMap(null)"});
 }
 
 void MapPagesTest::arrowImages_data() {
@@ -220,16 +189,18 @@ void MapPagesTest::amapPageComesUp() {
   const QByteArray requests = fixture->server.requests.join();
   QVERIFY(requests.contains("GET /maps?v=1.3&key=key "));
   QVERIFY(requests.contains("GET /Public/css/demo.Default.css "));
-  const QString options = "rotateEnable:true dragEnable:true zoomEnable:true resizeEnable:true";
-  const QStringList expected{"Map1 = Map(\"iCenter\", {" + options + "})",
-                             "Map1.plugin([\"AMap.ToolBar\"], function)",
-                             "ToolBar1 = ToolBar()",
-                             "Map1.addControl(ToolBar1)",
-                             "Map1.setLang(\"en\")",
-                             "Map1.plugin([\"AMap.MapType\"], function)",
-                             "MapType1 = MapType({defaultType:0 showRoad:true})",
-                             "Map1.addControl(MapType1)"};
-  QCOMPARE(newCalls(), expected);
+  // Each plugin's control is made in its callback and put on the map.
+  QCOMPARE(heads(newCalls()),
+           "Map1 = Map,Map1.plugin,ToolBar1 = ToolBar,Map1.addControl,"
+           "Map1.setLang,Map1.plugin,MapType1 = MapType,Map1.addControl");
+  // Clearing begins with a fresh map, which is given up at the end.
+  fixture->view->callFunction("MapPolyline", {"[new AMap.LngLat(139,35)]", "1", "1"});
+  newCalls();
+  fixture->view->evaluate("SetMapNull();");
+  const QString calls = heads(newCalls());
+  QVERIFY(calls.startsWith("Map2 = Map,"));
+  QVERIFY(calls.endsWith("Polyline1.setMap,Marker1.setMap,Marker2.setMap"));
+  QVERIFY(fixture->value("mapObj === null").toBool());
 }
 
 void MapPagesTest::amapTrack_data() {
@@ -269,36 +240,6 @@ void MapPagesTest::amapTrack() {
                   "Marker2.setMap(Map1)"} +
       drawn + QStringList{"Map1.setFitView()"};
   QCOMPARE(newCalls(), expected);
-}
-
-void MapPagesTest::amapFunctions() {
-  QVERIFY(loadAMap());
-  newCalls();
-  fixture->view->evaluate(
-      "moveToDarwin(35, 139, 12);"
-      "createMarker(null, {lng: 139, lat: 35}, 'x.png');"
-      "midLineArrows('[new AMap.LngLat(139,35),new AMap.LngLat(139,36)]');"
-      "marker_add_remover(35, 139);");
-  QCOMPARE(
-      newCalls(),
-      (QStringList{"Map1.setZoomAndCenter(12, (139 35))",
-                   "Marker1 = Marker({icon:\"x.png\" position:(139 35)})", "Marker1.setMap(Map1)",
-                   "Marker2 = Marker({icon:\"arr/dir_0.png\" position:(139 35.5)})",
-                   "Marker2.setMap(Map1)",
-                   "Marker3 = Marker({icon:\"2.png\" position:(139 35) offset:{x:-7 y:-20}})",
-                   "Marker3.setMap(Map1)"}));
-}
-
-void MapPagesTest::amapStartsOver() {
-  QVERIFY(loadAMap());
-  fixture->view->callFunction("MapPolyline", {"[new AMap.LngLat(139,35)]", "1", "1"});
-  newCalls();
-  fixture->view->evaluate("SetMapNull();");
-  const QStringList calls = newCalls();
-  QVERIFY(calls.first().startsWith("Map2 = Map("));
-  QCOMPARE(calls.last(3),
-           (QStringList{"Polyline1.setMap(null)", "Marker1.setMap(null)", "Marker2.setMap(null)"}));
-  QVERIFY(fixture->value("mapObj === null").toBool());
 }
 
 // A service that answers with something else than its script: the page says so, the title stays.
