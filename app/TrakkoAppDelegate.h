@@ -156,7 +156,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   double transFormLon(double x, double y) const;
 
   // Export.
-  /// The run as a TCX document, null when no run is selected.
+  /// The current run as a TCX document, whatever the number given; null when there is none.
   QByteArray convertTCX(qint64 number);
   QByteArray convertGPX(const QString& startStamp);
   void saveFile(const QByteArray& data, const QString& fileName, const QString& fileType);
@@ -183,7 +183,6 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void drawTrack(const QString& expression);
   Selection choose();
   PageSettings pageSettings() const;
-  void reportOutcome(qint32 code);
   void reportDeletion(qint32 result);
 
   ControllerContext context;

@@ -13,7 +13,6 @@
 
 #include <QDateTime>
 #include <QLoggingCategory>
-#include <QTimeZone>
 
 Q_LOGGING_CATEGORY(lcFiles, "trakko.files", QtInfoMsg)
 
@@ -30,16 +29,16 @@ QString withT(const QString& startTime) {
 
 }  // namespace
 
-QByteArray TrakkoAppDelegate::convertTCX(qint64 number) {
+QByteArray TrakkoAppDelegate::convertTCX(qint64 /*number*/) {
   if (currentNumber < 1) {
     return {};
   }
   dataControl store;
-  pointDic = store.getTrackData(static_cast<qint32>(number));
-  lapDic = store.getLapData(static_cast<qint32>(number));
-  const QString startTime = store.GetTrackName(number);
+  pointDic = store.getTrackData(static_cast<qint32>(currentNumber));
+  lapDic = store.getLapData(static_cast<qint32>(currentNumber));
+  const QString startTime = store.GetTrackName(currentNumber);
   myTrackName = withT(startTime);
-  return writeTcx(lapDic, pointDic, number, startTime, offsetNow());
+  return writeTcx(lapDic, pointDic, currentNumber, startTime, offsetNow());
 }
 
 void TrakkoAppDelegate::SaveTCXFile() {

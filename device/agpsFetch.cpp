@@ -15,12 +15,20 @@ namespace {
 // The real file has some hundred kilobytes.
 constexpr qint64 mostBytes = qint64{16} << 20;
 
-// Errors below these came from the network; from here on, the server answered with a status that
-// says so.
-constexpr auto firstAnswered = QNetworkReply::ContentAccessDenied;
-
+// A reply is unfinished when the program's end interrupted the wait. An error with a status of 400
+// or more is the server's own answer, whole like any other.
 bool cameWhole(const QNetworkReply& reply) {
-  return reply.error() == QNetworkReply::NoError || reply.error() >= firstAnswered;
+  constexpr int firstErrorStatus = 400;
+  const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  return reply.isFinished() &&
+         (reply.error() == QNetworkReply::NoError || status >= firstErrorStatus);
+}
+
+QNetworkRequest requestFor(const QUrl& url) {
+  QNetworkRequest request(url);
+  // Left to itself, Qt asks for compressed answers, and does not notice when one was cut short.
+  request.setRawHeader("Accept-Encoding", "identity");
+  return request;
 }
 
 }  // namespace
@@ -43,7 +51,7 @@ QUrl assistanceUrl() {
 QByteArray fetch(const QUrl& url, std::chrono::milliseconds limit) {
   QEventLoop loop;  // first: it equips a thread that has no event loop yet
   QNetworkAccessManager manager;
-  const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(url)));
+  const std::unique_ptr<QNetworkReply> reply(manager.get(requestFor(url)));
   QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
   QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&reply] {
     if (reply->bytesAvailable() > mostBytes) {

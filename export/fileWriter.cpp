@@ -1,5 +1,6 @@
 #include "export/fileWriter.h"
 
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSaveFile>
 #include <cerrno>
@@ -13,6 +14,10 @@ Q_LOGGING_CATEGORY(logExport, "trakko.export", QtInfoMsg)
 // only while the file is closed, and commit() does not hear of their failure. So what write() took
 // is what the disk took.
 QString failureOfWriting(QSaveFile& file, const QByteArray& bytes) {
+  const QFileInfo target(file.fileName());
+  if (target.exists() && !target.isFile()) {
+    return QStringLiteral("not a regular file");  // a device must not give way to a file
+  }
   if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
     return file.errorString();
   }

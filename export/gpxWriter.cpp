@@ -6,9 +6,6 @@
 #include "export/xmlDocument.h"
 #include "export/xmlNamespaces.h"
 
-#include <array>
-#include <optional>
-
 #include <pugixml.hpp>
 
 namespace {

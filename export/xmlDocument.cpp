@@ -12,10 +12,11 @@ constexpr char placeName[] = "points";
 // As pugixml prints it. No text of a document looks like it: there, "<" is escaped.
 constexpr QByteArrayView placeMark = "<?points?>\n";
 
-// Control characters other than tab, line feed and carriage return.
+// Control characters other than tab and line feed. A carriage return is allowed, but readers turn
+// it into a line feed, so it would not come back either.
 bool isForbidden(char byte) {
   const auto code = static_cast<unsigned char>(byte);
-  return code < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
+  return code < 0x20 && byte != '\t' && byte != '\n';
 }
 
 // U+FFFE and U+FFFF, which UTF-8 writes as EF BF BE and EF BF BF.

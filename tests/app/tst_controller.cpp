@@ -32,6 +32,8 @@ class TestController : public QObject {
   void deleting_data();
   void deleting();
   void exports();
+  void exportsThatOfferNothing_data();
+  void exportsThatOfferNothing();
   void blocksWaitForTheirTurn();
   void unknownTable();
   void startUpProblems_data();
@@ -222,6 +224,8 @@ void TestController::deleting() {
 }
 
 void TestController::exports() {
+  qputenv("TZ", "America/Caracas");  // four hours west all year
+  const auto backToUtc = qScopeGuard([] { qputenv("TZ", "UTC"); });
   WindowFixture fixture;
   storeRuns(1);
   fixture.start();
@@ -236,10 +240,36 @@ void TestController::exports() {
                         "Save File|20260501073000|GPX"}));
   QFile tcx(fixture.file("run.TCX"));
   QVERIFY(tcx.open(QIODevice::ReadOnly));
-  QVERIFY(tcx.readAll().contains("<Id>2026-05-01T07:30:00+"));
+  QVERIFY(tcx.readAll().contains("<Id>2026-05-01T07:30:00+-4:00</Id>"));
   QFile gpx(fixture.file("run.GPX"));
   QVERIFY(gpx.open(QIODevice::ReadOnly));
   QCOMPARE(gpx.readAll().count("<trkpt "), 12);
+}
+
+void TestController::exportsThatOfferNothing_data() {
+  QTest::addColumn<int>("runs");
+  QTest::addColumn<int>("points");
+  QTest::addColumn<QStringList>("panels");
+  QTest::newRow("no run") << 0 << 0 << QStringList{"Save File||TCX"};
+  QTest::newRow("two points") << 1 << 2 << QStringList{"Save File|20260501073000|TCX"};
+  QTest::newRow("three points") << 1 << 3
+                                << QStringList{"Save File|20260501073000|TCX",
+                                               "Save File|20260501073000|GPX"};
+}
+
+void TestController::exportsThatOfferNothing() {
+  QFETCH(int, runs);
+  QFETCH(int, points);
+  WindowFixture fixture;
+  if (runs > 0) {
+    storeRuns(runs, points);
+  }
+  fixture.start();
+  fixture.dialogs->fileAnswer = fixture.file("missing/run");
+  fixture.controller->SaveTCXFile();
+  fixture.controller->saveGPXFile();
+  QTEST(fixture.dialogs->panels, "panels");
+  QVERIFY(!QFile::exists(fixture.file("missing")));
 }
 
 void TestController::blocksWaitForTheirTurn() {
