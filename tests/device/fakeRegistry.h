@@ -6,6 +6,12 @@
 #include <QHash>
 #include <QStringList>
 #include <mutex>
+#include <utility>
+
+// What the user is told.
+inline const QString notRecognised =
+    QStringLiteral("時計を認識出来ません、再度USB接続を確認して下さい。");
+inline const QString noData = QStringLiteral("データが見当たりません、USBの接続を確認して下さい。");
 
 /// A registry path that belongs to the device `id` (one character).
 inline QString registryPathOf(char16_t id) {
@@ -48,11 +54,8 @@ class RecordedDialogs : public Dialogs {
     messages_.append(text);
   }
   bool confirmErase(const QString& /*text*/) override { return false; }
-  QString fileToSave(const QString& /*title*/, const QString& /*name*/,
-                     const QString& /*type*/) override {
-    return {};
-  }
-  QString fileToOpen(const QString& /*title*/, const QString& /*type*/) override { return {}; }
+  QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
+  QString fileToOpen(const QString&, const QString&) override { return {}; }
 
   QStringList take() {
     const std::lock_guard lock(mutex_);

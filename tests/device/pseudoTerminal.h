@@ -9,6 +9,21 @@
 #include <unistd.h>
 #include <utility>
 
+/// Up to `count` bytes, fewer when the line hangs up or nothing more comes within `ms`.
+inline QByteArray receiveBytes(int descriptor, qsizetype count, int ms) {
+  QByteArray bytes;
+  pollfd file{descriptor, POLLIN, 0};
+  while (bytes.size() < count && ::poll(&file, 1, ms) == 1) {
+    QByteArray part(count - bytes.size(), '\0');
+    const ssize_t got = ::read(descriptor, part.data(), static_cast<std::size_t>(part.size()));
+    if (got <= 0) {
+      break;
+    }
+    bytes += part.first(got);
+  }
+  return bytes;
+}
+
 /// A pseudo-terminal whose far end, the watch's, is held by the test.
 class PseudoTerminal {
  public:
@@ -24,40 +39,14 @@ class PseudoTerminal {
   PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
   bool send(const QByteArray& bytes) const {
-    qsizetype sent = 0;
-    while (sent < bytes.size()) {
-      const ssize_t count =
-          ::write(far_, bytes.constData() + sent, static_cast<std::size_t>(bytes.size() - sent));
-      if (count <= 0) {
-        return false;
-      }
-      sent += count;
-    }
-    return true;
+    return ::write(far_, bytes.constData(), static_cast<std::size_t>(bytes.size())) == bytes.size();
   }
-
-  /// Up to `count` bytes, fewer when nothing more comes within `ms`.
-  QByteArray receive(qsizetype count, int ms = 2000) const {
-    QByteArray bytes;
-    pollfd file{far_, POLLIN, 0};
-    while (bytes.size() < count && ::poll(&file, 1, ms) == 1) {
-      QByteArray part(count - bytes.size(), '\0');
-      const ssize_t got = ::read(far_, part.data(), static_cast<std::size_t>(part.size()));
-      if (got <= 0) {
-        break;
-      }
-      bytes += part.first(got);
-    }
-    return bytes;
-  }
+  QByteArray receive(qsizetype count, int ms = 2000) const { return receiveBytes(far_, count, ms); }
 
   /// What pulling the plug does to the other side.
   void hangUp() {
-    for (int* descriptor : {&keeper_, &far_}) {
-      if (*descriptor >= 0) {
-        ::close(std::exchange(*descriptor, -1));
-      }
-    }
+    ::close(std::exchange(keeper_, -1));
+    ::close(std::exchange(far_, -1));
   }
 
   QString path;
