@@ -5,6 +5,7 @@
 #include "data/schema.h"
 
 #include <QFile>
+#include <algorithm>
 #include <sqlite3.h>
 
 namespace {
@@ -21,6 +22,16 @@ bool hasRunTable(sqlite3* connection) {
   }
   const int result = sqlite3_step(probe.get());
   return result == SQLITE_ROW || result == SQLITE_DONE;
+}
+
+/// All four or none: a file with the first table alone would pass for a complete one for ever. What
+/// is not committed goes when the connection is closed.
+void makeTables(sqlite3* connection) {
+  const auto run = [connection](const char* sql) { return execute(connection, sql); };
+  if (run("begin immediate transaction;") &&
+      std::all_of(createTables.begin(), createTables.end(), run)) {
+    run("commit transaction;");
+  }
 }
 
 }  // namespace
@@ -69,9 +80,7 @@ void dataControl::createDB() {
     return;
   }
   syncEveryCommit();
-  for (const char* statement : createTables) {
-    execute(usable(), statement);
-  }
+  makeTables(usable());
   // `db` stays set: an object that had to make the tables is dead until its close_db().
   connection_.reset();
 }
