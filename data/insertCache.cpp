@@ -1,5 +1,7 @@
 #include "data/insertCache.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <sqlite3.h>
 
@@ -39,10 +41,23 @@ bool split(QByteArrayView values, std::vector<QByteArrayView>& literals) {
   return false;
 }
 
-/// The length of "... Values (" at the start of an INSERT, 0 when the text has no such start.
+/// The length of "Insert Into ... Values (" at the start of the text, 0 when it has no such start
+/// or holds a zero byte, at which SQLite would take it to end.
 qsizetype headLength(QByteArrayView sql) {
+  if (!sql.startsWith("Insert Into ") || sql.contains('\0')) {
+    return 0;
+  }
   const qsizetype values = sql.indexOf("Values");
   return values < 0 ? 0 : sql.indexOf('(', values) + 1;
+}
+
+/// Whether everything up to the values is names alone: no texts, comments, parameters, further
+/// statements or queries, which could make another statement of the same values.
+bool isPlain(QByteArrayView head) {
+  const QByteArray lower = head.toByteArray().toLower();
+  const auto contains = [&lower](const char* text) { return lower.contains(text); };
+  constexpr std::array suspects{"?", ";", "'", ":", "@", "$", "--", "/*", "select"};
+  return std::none_of(suspects.begin(), suspects.end(), contains);
 }
 
 int bind(sqlite3_stmt* statement, int parameter, QByteArrayView literal) {
@@ -69,6 +84,9 @@ bool InsertCache::execute(const QByteArray& sql) {
 
 bool InsertCache::compile(QByteArrayView head) {
   const auto parameters = static_cast<int>(literals_.size());
+  if (head != head_ && !isPlain(head)) {
+    return false;
+  }
   if (head != head_ || sqlite3_bind_parameter_count(insert_.get()) != parameters) {
     head_ = head.toByteArray();
     const QByteArray sql = head_ + QByteArray("?,").repeated(parameters).chopped(1) + ");";

@@ -5,6 +5,8 @@
 #include "data/table.h"
 #include "data/text.h"
 
+#include <algorithm>
+#include <limits>
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -29,10 +31,16 @@ QByteArray startedBetween(const QString& first, const QString& last) {
   return withText(" Where T_RunStartTime Between '", first, "' and '") + withText("", last, "' ");
 }
 
+/// The nearest 32-bit number, as text::toInt32() gives it; a restored file may hold any.
+qint32 limited(qint64 value) {
+  using Limits = std::numeric_limits<qint32>;
+  return static_cast<qint32>(std::clamp<qint64>(value, Limits::min(), Limits::max()));
+}
+
 runData runOf(const Table::Row& row) {
   const QString distance = text::fixed(text::toDouble(row.text(4)) / centimetresPerKilometre, 3);
   return {row.text(1),     row.text(2),     row.text(3),
-          distance,        row.text(5),     static_cast<qint32>(row.integer(6)),
+          distance,        row.text(5),     limited(row.integer(6)),
           row.text(7),     row.text(8),     row.text(9),
           row.text(10),    row.text(11),    row.text(12),
           row.integer(13), row.text(14),    row.text(15),
@@ -42,10 +50,9 @@ runData runOf(const Table::Row& row) {
 }
 
 lapData lapOf(const Table::Row& row) {
-  return {
-      row.text(1),  row.text(2),  row.text(3),  row.text(4),  static_cast<qint32>(row.integer(5)),
-      row.text(6),  row.text(7),  row.text(8),  row.text(9),  row.text(10),
-      row.text(11), row.text(12), row.text(13), row.text(14), row.integer(15)};
+  return {row.text(1),  row.text(2),  row.text(3),  row.text(4),  limited(row.integer(5)),
+          row.text(6),  row.text(7),  row.text(8),  row.text(9),  row.text(10),
+          row.text(11), row.text(12), row.text(13), row.text(14), row.integer(15)};
 }
 
 // Fills the point where it stands in its dictionary; a run has thousands of them.

@@ -118,6 +118,8 @@ void DataControlTest::compiledAndPlainStatementsDoTheSame_data() {
   for (const QByteArray& values : list.split('#')) {
     QTest::newRow(values.trimmed().constData()) << values.trimmed();
   }
+  QTest::newRow("zero byte") << QByteArrayLiteral("(1,'a\0b');");
+  QTest::newRow("query") << QByteArray("Insert Into t (n,s) Select ?1,?2 Union Values (5,'a');");
 }
 
 void DataControlTest::compiledAndPlainStatementsDoTheSame() {
@@ -130,7 +132,8 @@ void DataControlTest::compiledAndPlainStatementsDoTheSame() {
     QStringList results;
     InsertCache inserts(opened);
     const QByteArray good = "Insert Into t (n,s) Values (1,'good');";
-    for (const QByteArray& sql : {good, "Insert Into t (n,s) Values " + values, good}) {
+    const QByteArray head = values.startsWith("Insert") ? "" : "Insert Into t (n,s) Values ";
+    for (const QByteArray& sql : {good, head + values, good}) {
       const bool done = compiled ? inserts.execute(sql) : execute(opened, sql.constData());
       results << QString::fromUtf8(done ? "ok" : sqlite3_errmsg(opened));
     }
@@ -215,13 +218,14 @@ void DataControlTest::foreignValues() {
   const StoreFolder folder;
   folder.ask(
       "insert into T_RunData(T_RunStartTime,T_RunLap,T_RunTrackPoint,T_Cnumber) "
-      "values(x'80ff', '3 laps', 2.75, 5);"
+      "values(x'80ff', '3 laps', 2.75, 5),('later',1e15,0,6);"
       "insert into T_LapData(T_LapTime,T_Cnumber) values('a'||char(0)||'b',5);"
       "drop table T_TrackPointData; create table T_TrackPointData(ID,T_Cnumber,T_Setid);"
       "insert into T_TrackPointData values(1,5,null)");
   dataControl data;
   const runData run = data.getRunData(u"ALL"_s, QString()).value(u"05"_s);
   QCOMPARE(run.T_RunLap, 3);
+  QCOMPARE(data.getRunData(u"ALL"_s, QString()).value(u"06"_s).T_RunLap, 2147483647);
   QCOMPARE(run.T_RunTrackPoint, 2);
   QCOMPARE(run.T_RunDistance, u"0.000"_s);
   QVERIFY(run.T_RunCal.isNull());
