@@ -10,13 +10,19 @@ constexpr int busyLimit = 5000;  // milliseconds
 const char* const beginReading = "begin transaction; select count(*) from sqlite_master;";
 const char* const beginWriting = "begin immediate transaction;";
 
-int hold(sqlite3* connection, const char* beginning) {
-  // Only databases that some other program made have a write-ahead log; what is in it belongs into
-  // the file first.
-  const int merged =
-      sqlite3_exec(connection, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
-  return merged == SQLITE_OK ? sqlite3_exec(connection, beginning, nullptr, nullptr, nullptr)
-                             : merged;
+/// Only databases that some other program made have a write-ahead log; what is in it belongs into
+/// the file first. When a reader keeps it from getting there, SQLite answers SQLITE_OK and a first
+/// column of 1 (https://www.sqlite.org/pragma.html#pragma_wal_checkpoint).
+int mergeLog(sqlite3* connection, HeldDatabase::Against against) {
+  bool blocked = false;
+  const auto keep = [](void* target, int, char** values, char**) {
+    *static_cast<bool*>(target) = values[0] != nullptr && *values[0] == '1';
+    return 0;
+  };
+  const int result =
+      sqlite3_exec(connection, "PRAGMA wal_checkpoint(TRUNCATE)", keep, &blocked, nullptr);
+  // Replaced as a whole, a database takes its log along; a copy of the file would miss it.
+  return blocked && against == HeldDatabase::Against::changes ? SQLITE_BUSY : result;
 }
 
 }  // namespace
@@ -33,7 +39,11 @@ HeldDatabase::HeldDatabase(const QString& path, Against against) {
   sqlite3_file_control(opened, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
   // In an empty file, a writing transaction begins with a journal; there is nothing to protect.
   const bool againstWriters = against == Against::writers && size() > 0;
-  result_ = hold(opened, againstWriters ? beginWriting : beginReading);
+  result_ = mergeLog(opened, against);
+  if (result_ == SQLITE_OK) {
+    const char* const beginning = againstWriters ? beginWriting : beginReading;
+    result_ = sqlite3_exec(opened, beginning, nullptr, nullptr, nullptr);
+  }
 }
 
 QString HeldDatabase::message() const {
