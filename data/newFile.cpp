@@ -114,11 +114,27 @@ bool NewFile::renameIfFree() {
     return false;
   }
   // A file system that cannot do this in one step; network file systems are among them.
-  if (link(part_.constData(), place_.constData()) != 0) {
+  if (link(part_.constData(), place_.constData()) == 0) {
+    unlink(part_.constData());
+    return true;
+  }
+  const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
+  return hasNoLinks && renameOntoClaim();
+}
+
+bool NewFile::renameOntoClaim() {
+  const int claim = open(place_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
+  if (claim < 0) {
     return false;
   }
-  unlink(part_.constData());
-  return true;
+  close(claim);
+  if (rename(part_.constData(), place_.constData()) == 0) {
+    return true;
+  }
+  const int error = errno;
+  unlink(place_.constData());
+  errno = error;
+  return false;
 }
 
 void syncFolderOf(const QString& path) {

@@ -44,6 +44,8 @@ class NewFile {
   bool check(bool succeeded);
   bool underFreeName(const std::function<bool(const char*)>& make);
   bool renameIfFree();
+  /// Where there are no hard links: an empty file takes the place first, so that no other can.
+  bool renameOntoClaim();
 };
 
 /// Puts the names in the folder of `path` safe on the disk, as far as its file system can.
