@@ -7,8 +7,8 @@
 #include <QFileInfo>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
-#include <optional>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -130,25 +130,15 @@ void removeCompanions(const QString& database) {
   }
 }
 
-/// Gives the old database its second name. A hard link keeps its first name in use until the new
-/// file takes it; where there are no hard links, a copy does.
-Result keepOld(const QString& database, const HeldDatabase& held, const Watcher& beforeStep) {
-  const QString aside = beforeRestore(database);
-  removeCompanions(aside);  // of the older database there, which is about to go
-  NewFile::removeLeftovers(aside);
-  beforeStep();
-  NewFile second(aside);
-  if (!second.linkTo(database)) {
-    Result copied = copyHeld(database, held, second);
-    if (copied && !second.sync()) {
-      copied = unwritable(second.error());
-    }
-    if (!copied) {
-      return copied;
-    }
+/// Prepares a second name of the old database. A hard link keeps its first name in use until the
+/// new file takes it; where there are no hard links, a copy does.
+Result nameAgain(const QString& database, const HeldDatabase& held, NewFile& second) {
+  NewFile::removeLeftovers(beforeRestore(database));
+  if (second.linkTo(database)) {
+    return {};
   }
-  beforeStep();
-  return second.replace() ? Result{} : unwritable(second.error());
+  Result copied = copyHeld(database, held, second);
+  return copied && !second.sync() ? unwritable(second.error()) : copied;
 }
 
 /// A journal that SQLite could not work off goes with the database that it belongs to.
@@ -164,16 +154,79 @@ Result moveCompanions(const QString& database, const Watcher& beforeStep) {
   return {};
 }
 
-Result moveAside(const QString& database, const HeldDatabase& held, const Watcher& beforeStep) {
+/// Puts the new file in the place of the database, which becomes beforeRestore(database) first.
+Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile& copy,
+                      const Watcher& beforeStep) {
+  const QString aside = beforeRestore(database);
+  beforeStep();
+  NewFile second(aside);
+  if (Result named = nameAgain(database, held, second); !named) {
+    return named;
+  }
+  beforeStep();
+  removeCompanions(aside);  // of the older database there, which goes with the next step
+  if (!second.replace()) {
+    return unwritable(second.error());
+  }
+  if (Result moved = moveCompanions(database, beforeStep); !moved) {
+    return moved;
+  }
+  syncFolderOf(database);
+  beforeStep();
+  return copy.replace() ? Result{} : unwritable(copy.error());
+}
+
+/// The undo of a restore, with the file at beforeRestore(database) chosen: that one and the
+/// database change names. In one step, so that both are there under one of the names at any time;
+/// where the file system cannot, the chosen data take the place first.
+Result exchange(const QString& database, const HeldDatabase& held, NewFile& copy,
+                const Watcher& beforeStep) {
+  const QString aside = beforeRestore(database);
+  removeCompanions(aside);
+  if (Result moved = moveCompanions(database, beforeStep); !moved) {
+    return moved;
+  }
+  beforeStep();
+  if (renameat2(AT_FDCWD, QFile::encodeName(aside).constData(), AT_FDCWD,
+                QFile::encodeName(database).constData(), RENAME_EXCHANGE) == 0) {
+    return {};
+  }
+  NewFile second(aside);
+  if (Result named = nameAgain(database, held, second); !named) {
+    return named;
+  }
+  if (!copy.replace()) {
+    return unwritable(copy.error());
+  }
+  return second.replace() ? Result{} : unwritable(second.error());
+}
+
+/// What is in the place is worth nothing, unlike what an earlier restore has put aside.
+Result replaceDropping(const QString& database, NewFile& copy, const Watcher& beforeStep) {
+  beforeStep();
+  removeCompanions(database);
+  beforeStep();
+  return copy.replace() ? Result{} : unwritable(copy.error());
+}
+
+/// Puts the new file in the place of the database, if there is one.
+Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
+                 const Watcher& beforeStep) {
+  if (!isThere(database)) {
+    return replaceDropping(database, copy, beforeStep);
+  }
+  // Held until the new file has taken the place: a transaction begun in between would leave its
+  // journal beside the wrong database. One begun later finds its file moved and fails.
+  const HeldDatabase held(database, HeldDatabase::Against::writers);
   if (held.result() == SQLITE_BUSY) {
     return {Failure::busy, held.message()};
   }
-  if (Result kept = keepOld(database, held, beforeStep); !kept) {
-    return kept;
+  const QString aside = beforeRestore(database);
+  if (held.result() == SQLITE_NOTADB && isThere(aside)) {
+    return replaceDropping(database, copy, beforeStep);
   }
-  Result moved = moveCompanions(database, beforeStep);
-  syncFolderOf(database);
-  return moved;
+  return isSameFile(aside, chosen) ? exchange(database, held, copy, beforeStep)
+                                   : replaceKeeping(database, held, copy, beforeStep);
 }
 
 }  // namespace
@@ -227,20 +280,8 @@ Result restore(const QString& database, const QString& chosen, const Watcher& wa
   if (Result copied = copyChosen(chosen, database, copy, beforeStep); !copied) {
     return copied;
   }
-  // Held until the new file has taken the place: a transaction begun in between would leave its
-  // journal beside the wrong database. One begun later finds its file moved and fails.
-  std::optional<HeldDatabase> held;
-  if (isThere(database)) {
-    held.emplace(database, HeldDatabase::Against::writers);
-    if (Result aside = moveAside(database, *held, beforeStep); !aside) {
-      return aside;
-    }
-  } else {
-    removeCompanions(database);
-  }
-  beforeStep();
-  if (!copy.replace()) {
-    return unwritable(copy.error());
+  if (Result taken = takePlace(database, chosen, copy, beforeStep); !taken) {
+    return taken;
   }
   beforeStep();
   syncFolderOf(database);

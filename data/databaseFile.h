@@ -35,7 +35,9 @@ using Watcher = std::function<void()>;
 
 /// Puts a copy of `chosen` in the place of the database. The old one is kept as
 /// beforeRestore(database), with its journal; the place is never empty. On failure the old one
-/// stays where it is. Restoring the database from itself changes nothing.
+/// stays where it is. Restoring the database from itself changes nothing. A file in the place that
+/// is no database is not kept when an earlier restore has kept one. `chosen` may be that one: then
+/// the two change names.
 Result restore(const QString& database, const QString& chosen, const Watcher& beforeStep = {});
 
 /// Where the last restore has put the database that was there: "gpsData-before-restore.db3" beside

@@ -139,6 +139,7 @@ class DatabaseFileTest : public QObject {
   void keepsTheOldOne_data();
   void keepsTheOldOne();
   void waitsForWriters();
+  void logThatCannotBeMerged();
   void laterWritersFail();
   void killed_data();
   void killed();
@@ -248,6 +249,10 @@ void DatabaseFileTest::restores() {
   QVERIFY(databaseFile::restore(database, in(u"text.db3"_s)));
   QCOMPARE(bytesOf(database), "no database");
   QCOMPARE(runsIn(aside), oldRun);
+  QVERIFY(databaseFile::restore(database, in(u"text.db3"_s)));  // keeps the one that is a database
+  QCOMPARE(runsIn(aside), oldRun);
+  QVERIFY(databaseFile::restore(database, aside));
+  QCOMPARE(runsIn(database), oldRun);
   QCOMPARE(leftovers(), QStringList());
 }
 
@@ -316,6 +321,17 @@ void DatabaseFileTest::waitsForWriters() {
   QVERIFY(!QFile::exists(aside));
 }
 
+// A reader keeps what was stored later in the log of a database that some program gave one.
+void DatabaseFileTest::logThatCannotBeMerged() {
+  QCOMPARE(execute(database, "PRAGMA journal_mode=WAL"), SQLITE_OK);
+  sqlite3* reader = nullptr;
+  sqlite3_open(QFile::encodeName(database).constData(), &reader);
+  sqlite3_exec(reader, "begin; select * from T_RunData", nullptr, nullptr, nullptr);
+  QCOMPARE(execute(database, "delete from T_RunData"), SQLITE_OK);
+  QCOMPARE(databaseFile::backUp(database, in(u"copy.db3"_s)).failure, Failure::busy);
+  sqlite3_close(reader);
+}
+
 // A download that was under way before the restore must touch neither database.
 void DatabaseFileTest::laterWritersFail() {
   dataControl before;
@@ -331,16 +347,20 @@ void DatabaseFileTest::laterWritersFail() {
 void DatabaseFileTest::killed_data() {
   QTest::addColumn<bool>("journal");
   QTest::addColumn<bool>("keptBefore");
-  QTest::newRow("first restore") << false << false;
-  QTest::newRow("with an older database kept") << false << true;
-  QTest::newRow("with a journal") << true << false;
+  QTest::addColumn<bool>("undo");
+  QTest::newRow("first restore") << false << false << false;
+  QTest::newRow("with an older database kept") << false << true << false;
+  QTest::newRow("with a journal") << true << false << false;
+  QTest::newRow("undo") << false << true << true;
 }
 
 // Killed before each single step: the database is the old or the new one, whole, and the old one is
-// there under one of its names; and the restore can be done again.
+// there under one of its names, the new one too when it was put aside; and the restore can be done
+// again.
 void DatabaseFileTest::killed() {
   QFETCH(bool, journal);
   QFETCH(bool, keptBefore);
+  QFETCH(bool, undo);
   int step = 0;
   for (bool killed = true; killed; ++step) {
     init();
@@ -348,12 +368,13 @@ void DatabaseFileTest::killed() {
       QVERIFY(databaseFile::restore(database, backup));
       QVERIFY(databaseFile::restore(database, aside));
     }
+    const QString chosen = undo ? aside : backup;
     if (journal) {
       killWhileWriting(database);
     }
     killed = isKilledIn([&] {
       int count = 0;
-      databaseFile::restore(database, backup, [&] {
+      databaseFile::restore(database, chosen, [&] {
         if (count++ == step) {
           raise(SIGKILL);
         }
@@ -363,11 +384,12 @@ void DatabaseFileTest::killed() {
     QVERIFY2(now == oldRun || now == newRun, qPrintable(now));
     QVERIFY2(killed || now == newRun, qPrintable(now));
     QVERIFY(now == oldRun || runsIn(aside) == oldRun);
+    QVERIFY(!undo || now == newRun || runsIn(aside) == newRun);
     QVERIFY(databaseFile::restore(database, backup));
     QCOMPARE(runsIn(database), newRun);
     QCOMPARE(leftovers(), QStringList());
   }
-  QVERIFY(step > 9);
+  QVERIFY(step > 8);
 }
 
 void DatabaseFileTest::fullDisk_data() {
