@@ -69,18 +69,7 @@ class tst_downloadDecoder : public QObject {
  private Q_SLOTS:
   void initTestCase() { QLoggingCategory::setFilterRules("trakko.*=false"); }
 
-  void wholeDownload_data() {
-    QTest::addColumn<QStringList>("altitude");  // run flag, ascent, descent, lap altitude
-    QTest::newRow("0") << QStringList{"1", "0", "0", "0"};
-    QTest::newRow("1") << QStringList{"0", "197121", "-263685", "16909060"};
-    QTest::newRow("2") << QStringList{"1", "0", "0", "0"};
-  }
   void wholeDownload() {
-    QFETCH(QStringList, altitude);
-    const QString checkAlti(QTest::currentDataTag());
-    DecodeContext context = utcContext();
-    context.checkAlti = checkAlti.toInt();
-    context.highestNumber = 41;
     const QStringList lines{
         runLine(0, "0A",
                 {{0, "05 1E 07 11 05 0E 00 02 01 02 00 9A B4 50 00 01 05 06"},
@@ -92,21 +81,30 @@ class tst_downloadDecoder : public QObject {
         pointLine(1, "0A",
                   {{0, "40 E2 01 00 02 58 05 1E 07 00 02 EE 01 02 03"},
                    {15, "35 41 23 45 4E 01 39 45 17 56 45 10 27 34 12 00 00"}})};
-    const DecodedDownload decoded = decodeDownload(lines, context);
-    QCOMPARE(decoded.cnumber, 42);
-    QCOMPARE(decoded.batch.runArr, QStringList{"0A"});
-    const runData run("2014-05-17 07:30:05", "2014-05-17 08:32:08", "01:02:03.04", "100000",
-                      "600000", 1, "258", "154", "180", "120", "80", "09:08:07", 1, "0", "Runé'",
-                      checkAlti, altitude[0], altitude[1], altitude[2], 42, {}, {});
-    QVERIFY(decoded.batch.runMD.value("0A") == run);
-    QVERIFY(decoded.batch.runMD.value("0A").T_IdNumber.isNull());
-    const lapData lap("01:02:03.04", "100000", "600000", "Lap 1", 1, "180", "120", "180", "150",
-                      "80", "09:08:07", altitude[3], "0", "0", 42);
-    QVERIFY(decoded.batch.lapMD == LapDictionary({{"0A-00001", lap}}));
-    const trackPointData point("07:30:05", "139°45.1756", "E", "35°41.2345", "N", "139.752927",
-                               "35.687242", "600", "750", "4660", "01:02:03", "123456", "10000", 1,
-                               42);
-    QVERIFY(decoded.batch.pointMD == PointDictionary({{"0A-00001", point}}));
+    // Flag of the watch; run flag, ascent, descent, lap altitude.
+    const QStringList without{"1", "0", "0", "0"};
+    const QStringList with{"0", "197121", "-263685", "16909060"};
+    for (const auto& [checkAlti, altitude] : {std::pair(0, without), {1, with}, {2, without}}) {
+      DecodeContext context = utcContext();
+      context.checkAlti = checkAlti;
+      context.highestNumber = 41;
+      const DecodedDownload decoded = decodeDownload(lines, context);
+      QCOMPARE(decoded.cnumber, 42);
+      QCOMPARE(decoded.batch.runArr, QStringList{"0A"});
+      const runData run("2014-05-17 07:30:05", "2014-05-17 08:32:08", "01:02:03.04", "100000",
+                        "600000", 1, "258", "154", "180", "120", "80", "09:08:07", 1, "0", "Runé'",
+                        QString::number(checkAlti), altitude[0], altitude[1], altitude[2], 42, {},
+                        {});
+      QVERIFY(decoded.batch.runMD.value("0A") == run);
+      QVERIFY(decoded.batch.runMD.value("0A").T_IdNumber.isNull());
+      const lapData lap("01:02:03.04", "100000", "600000", "Lap 1", 1, "180", "120", "180", "150",
+                        "80", "09:08:07", altitude[3], "0", "0", 42);
+      QVERIFY(decoded.batch.lapMD == LapDictionary({{"0A-00001", lap}}));
+      const trackPointData point("07:30:05", "139°45.1756", "E", "35°41.2345", "N", "139.752927",
+                                 "35.687242", "600", "750", "4660", "01:02:03", "123456", "10000",
+                                 1, 42);
+      QVERIFY(decoded.batch.pointMD == PointDictionary({{"0A-00001", point}}));
+    }
   }
 
   void laps() {
@@ -196,7 +194,8 @@ class tst_downloadDecoder : public QObject {
       row(name, QStringList{headA, lapA, headB, lapB} + lines,
           ("0A 0B 0A-00001:0 0B-00001:0" + expected).toUtf8());
     };
-    points("index", {pointLine(0, "01"), b1, pointLine(2, "0B"), pointLine(0, "00"), a1},
+    points("index",
+           {pointLine(0, "01"), b1, pointLine(0, "00"), a1, pointLine(0, "01"), pointLine(2, "0B")},
            " 0A-00001=1 0B-00001=2 0B-00002=2");
     points("key of the line, number of the header", {pointLine(0, "00"), b1}, " 0B-00001=1");
     points("index beyond the list keeps the run", {pointLine(0, "00"), pointLine(0, "02"), a1},
