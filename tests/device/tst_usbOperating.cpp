@@ -135,7 +135,9 @@ class tst_usbOperating : public QObject {
   void aRunningDownloadKeepsThePort() {
     const auto watch = plug({.memory = {5, unknownBlock}, .sendsEndMarker = false});
     Session session = std::make_shared<WatchSession>();
-    QVERIFY(object(session)->linkCommand());
+    const auto link = object(session);
+    QVERIFY(link->linkCommand() && link->serialFileDescriptor >= 0);
+    QTRY_VERIFY(!link->readThreadRunning);
     const auto second = object(std::make_shared<WatchSession>());
     QCOMPARE(second->linkCommand(), false);  // between link and download
     QCOMPARE(second->linkObstacle.load(), LinkObstacle::portInUse);
