@@ -6,6 +6,7 @@
 #include <QTest>
 #include <atomic>
 #include <chrono>
+#include <numeric>
 #include <optional>
 #include <thread>
 #include <tuple>
@@ -26,13 +27,12 @@ bool writeAll(SerialPort& port, const QByteArray& bytes) {
   return port.write(std::as_bytes(std::span(bytes.constData(), std::size_t(bytes.size()))));
 }
 
-QByteArray pattern(int size) {
-  QByteArray bytes;
-  for (int index = 0; index < size; ++index) {
-    bytes += static_cast<char>(index * 7);
-  }
+/// Every byte value.
+const QByteArray all = [] {
+  QByteArray bytes(256, '\0');
+  std::iota(bytes.begin(), bytes.end(), '\0');
   return bytes;
-}
+}();
 
 }  // namespace
 
@@ -59,7 +59,7 @@ class tst_serialPort : public QObject {
     for (const auto& [pieces, reads] : rows) {
       init();
       std::thread sender([this, sizes = pieces] {
-        QByteArray left = pattern(200);
+        QByteArray left = all;
         for (const int piece : sizes) {
           std::this_thread::sleep_for(std::chrono::milliseconds(piece == 0 ? 300 : 1));
           line_->send(left.first(piece));
@@ -75,7 +75,7 @@ class tst_serialPort : public QObject {
       }
       sender.join();
       QCOMPARE(sizes, reads);
-      QCOMPARE(received, pattern(200).first(received.size()));
+      QCOMPARE(received, all.first(received.size()));
     }
   }
 
@@ -84,8 +84,7 @@ class tst_serialPort : public QObject {
     line.send("left over from before\n");
     SerialPort port;
     QVERIFY(port.open(line.path, baud).isNull());
-    line.receive(100, 100);               // what the line discipline echoed
-    const QByteArray all = pattern(256);  // every byte value
+    line.receive(100, 100);  // what the line discipline echoed
     line.send(all);
     QCOMPARE(readBlock(port, 256), all);
     QVERIFY(writeAll(port, all));
@@ -93,12 +92,12 @@ class tst_serialPort : public QObject {
   }
 
   void hangUpEndsReading() {
-    line_->send(pattern(10));
+    line_->send(all.first(10));
     line_->hangUp();
     const qsizetype first = readBlock(*port_).size();
     QVERIFY(first == 10 || first == 0);  // the kernel may drop what was not read yet
     QVERIFY(readBlock(*port_).isEmpty());
-    QVERIFY(!writeAll(*port_, pattern(32)));
+    QVERIFY(!writeAll(*port_, all.first(32)));
     QVERIFY(port_->isOpen());
   }
 
@@ -117,8 +116,8 @@ class tst_serialPort : public QObject {
       reader.join();
       port_.emplace();
       QVERIFY(port_->open(line_->path, baud).isNull());
-      line_->send(pattern(36));
-      QCOMPARE(readBlock(*port_), pattern(36));
+      line_->send(all.first(36));
+      QCOMPARE(readBlock(*port_), all.first(36));
     }
   }
 
@@ -129,7 +128,7 @@ class tst_serialPort : public QObject {
     QFile file(folder.filePath("gpsData.db3"));
     QVERIFY(file.open(QIODevice::ReadWrite));
     QCOMPARE(file.handle(), number);
-    QVERIFY(!writeAll(*port_, pattern(32)));
+    QVERIFY(!writeAll(*port_, all.first(32)));
     QVERIFY(readBlock(*port_).isEmpty());
     port_->close();
     QCOMPARE(file.size(), 0);
@@ -143,8 +142,8 @@ class tst_serialPort : public QObject {
                                                  ? "Error: couldn't obtain lock on serial port"
                                                  : "Error: couldn't open serial port");
     QVERIFY(!second.isOpen());
-    line_->send(pattern(36));
-    QCOMPARE(readBlock(*port_), pattern(36));
+    line_->send(all.first(36));
+    QCOMPARE(readBlock(*port_), all.first(36));
     port_->close();
     SerialPort third;
     QVERIFY(third.open(line_->path, baud).isNull());
@@ -169,7 +168,7 @@ class tst_serialPort : public QObject {
     std::atomic<bool> failed{false};
     std::thread writer([&] {
       while (port_->isOpen()) {
-        failed = !writeAll(*port_, pattern(32)) || failed;
+        failed = !writeAll(*port_, all.first(32)) || failed;
       }
     });
     QTRY_VERIFY(failed);

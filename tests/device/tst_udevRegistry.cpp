@@ -86,18 +86,13 @@ class tst_udevRegistry : public QObject {
     const UdevRegistry registry{QString()};
     const QList<UsbDevice> devices = registry.devices(vendor, product).value();
     QCOMPARE(devices.size(), 1);
-    QStringList names;
     for (const SerialClient& client : registry.serialClients()) {
-      names.append(client.calloutDevice);
-      QCOMPARE(samePhysicalDevice(devices.first().path, client.path),
-               client.node == "/dev/ttyUSB1");
+      const bool second = client.node == "/dev/ttyUSB1";
+      QCOMPARE(client.calloutDevice, watch && second ? watchCalloutDevice : client.node);
+      QCOMPARE(samePhysicalDevice(devices.first().path, client.path), second);
     }
-    names.sort();
-    const QString name = watch ? watchCalloutDevice : "/dev/ttyUSB1";
-    QStringList expected{name, "/dev/ttyS0", "/dev/ttyUSB0"};
-    expected.sort();
-    QCOMPARE(names, expected);
-    QCOMPARE(registry.deviceNode(name), "/dev/ttyUSB1");
+    QCOMPARE(registry.serialClients().size(), 3);
+    QCOMPARE(registry.deviceNode(watch ? watchCalloutDevice : "/dev/ttyUSB1"), "/dev/ttyUSB1");
   }
 
   void aWatchWithoutDriver() {

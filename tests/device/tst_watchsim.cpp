@@ -19,14 +19,15 @@ const QByteArray linkCommand = QByteArray("\xEE\xEE").leftJustified(32, '\0');
 const QByteArray downloadCommand = QByteArray("\x08\x08\xAA\xAA").leftJustified(32, '\0');
 const QByteArray eraseCommand = QByteArray("\xFF\xFD").rightJustified(32, '\0');
 
-void openPort(SerialPort& port, const EmulatedWatch& watch) {
-  QCOMPARE(port.open(watch.path(), 115200), QString());
-}
+/// The program's side of the line.
+struct Client : SerialPort {
+  explicit Client(const EmulatedWatch& watch) { QCOMPARE(open(watch.path(), 115200), QString()); }
 
-QByteArray ask(SerialPort& port, const QByteArray& command, qsizetype size, int quiet = 2000) {
-  port.write(std::as_bytes(std::span(command.constData(), size_t(command.size()))));
-  return receiveBytes(port.descriptor, size, quiet);
-}
+  QByteArray ask(const QByteArray& command, qsizetype size, int quiet = 2000) {
+    write(std::as_bytes(std::span(command.constData(), size_t(command.size()))));
+    return receiveBytes(descriptor, size, quiet);
+  }
+};
 
 QList<QByteArray> memoryOf(qint32 points) {
   return makeMemory({.seed = 7, .runs = 2, .pointsPerRun = points, .today = QDate(2014, 5, 17)});
@@ -90,10 +91,9 @@ std::tuple<QByteArray, QByteArray, qint64> talk(EmulatedWatchOptions options) {
   if (!watch.start().isNull()) {
     return {};
   }
-  SerialPort port;
-  openPort(port, watch);
-  const QByteArray linkAnswer = ask(port, linkCommand, 36, 200);
-  const QByteArray download = ask(port, downloadCommand, 100'000, 200);
+  Client port(watch);
+  const QByteArray linkAnswer = port.ask(linkCommand, 36, 200);
+  const QByteArray download = port.ask(downloadCommand, 100'000, 200);
   return {linkAnswer, download, watch.bytesSent()};
 }
 
@@ -136,13 +136,12 @@ class tst_watchsim : public QObject {
                            .smallestPiece = 1,
                            .largestPiece = fullSpeed ? 64 : 0});
       QCOMPARE(watch.start(), QString());
-      SerialPort port;
-      openPort(port, watch);
-      QCOMPARE(ask(port, linkCommand, 36), identityBlock());
+      Client port(watch);
+      QCOMPARE(port.ask(linkCommand, 36), identityBlock());
       const QByteArray whole = memory.join() + endMarkerBlock();
-      QVERIFY(ask(port, downloadCommand, whole.size()) == whole);
+      QVERIFY(port.ask(downloadCommand, whole.size()) == whole);
       QCOMPARE(watch.blocks(), memory);
-      QCOMPARE(ask(port, eraseCommand + downloadCommand, whole.size(), 300), endMarkerBlock());
+      QCOMPARE(port.ask(eraseCommand + downloadCommand, whole.size(), 300), endMarkerBlock());
       QVERIFY(watch.blocks().isEmpty());
       QCOMPARE(watch.commands(), (QStringList{"link", "download", "erase", "download"}));
       QTRY_COMPARE(watch.finishedDownloads(), 2);
@@ -171,20 +170,19 @@ class tst_watchsim : public QObject {
   }
 
   void commandsAreFoundInAnyStream() {
-    using enum WatchCommand;
     const QByteArray stream = "\xEE" + linkCommand + downloadCommand.first(16) +
                               QByteArray("\xFF\xFF\xFF\xFF").leftJustified(32, '\0') +
                               eraseCommand + "noise" +
                               QByteArray("AGPSST").leftJustified(32, '\0') + downloadCommand;
-    const QList<WatchCommand> expected{unknown, WatchCommand::link, unknown,    disconnect, erase,
-                                       unknown, agpsStart,          downloadAll};
     for (const qsizetype piece : {1, 5, 32, 33, 1000}) {
       CommandReader reader;
-      QList<WatchCommand> found;
+      QStringList found;
       for (qsizetype i = 0; i < stream.size(); i += piece) {
-        found.append(reader.take(stream.mid(i, piece)));
+        for (const WatchCommand command : reader.take(stream.mid(i, piece))) {
+          found << nameOf(command);
+        }
       }
-      QCOMPARE(found, expected);
+      QCOMPARE(found.join(' '), "unknown link unknown disconnect erase unknown agps download");
     }
   }
 
@@ -193,23 +191,20 @@ class tst_watchsim : public QObject {
     QCOMPARE(watch.start(), QString());
     for (int round = 0; round < 5; ++round) {
       {
-        SerialPort leaving;
-        openPort(leaving, watch);
-        QCOMPARE(ask(leaving, downloadCommand, 50).size(), 50);
+        Client leaving(watch);
+        QCOMPARE(leaving.ask(downloadCommand, 50).size(), 50);
       }
-      SerialPort next;
-      openPort(next, watch);
-      QVERIFY(ask(next, {}, 1000, 100).size() < 1000);  // the rest of the other's download
-      QCOMPARE(ask(next, linkCommand, 100, 100), identityBlock());
+      Client next(watch);
+      QVERIFY(next.ask({}, 1000, 100).size() < 1000);  // the rest of the other's download
+      QCOMPARE(next.ask(linkCommand, 100, 100), identityBlock());
     }
   }
 
   void stopsWhileNobodyReads() {
     EmulatedWatch watch({.memory = memoryOf(2000), .fullSpeed = true});
     QCOMPARE(watch.start(), QString());
-    SerialPort port;
-    openPort(port, watch);
-    ask(port, downloadCommand, 0);
+    Client port(watch);
+    port.ask(downloadCommand, 0);
     QTRY_VERIFY(watch.bytesSent() > 2000);
     watch.stop();
     QVERIFY(!watch.isRunning());
