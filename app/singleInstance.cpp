@@ -50,7 +50,12 @@ bool SingleInstance::claim() {
 }
 
 bool SingleInstance::lock() {
-  lockFile_ = open(QFile::encodeName(lockPath_).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  const QByteArray path = QFile::encodeName(lockPath_);
+  lockFile_ = open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (lockFile_ < 0 && errno == EACCES) {
+    // Made by another user, perhaps. The lock needs no right to write.
+    lockFile_ = open(path.constData(), O_RDONLY | O_CLOEXEC);
+  }
   if (lockFile_ < 0) {
     qCWarning(lcInstance, "no lock at %s: %s", qUtf8Printable(lockPath_),
               qUtf8Printable(qt_error_string(errno)));

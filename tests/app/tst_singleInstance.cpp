@@ -4,7 +4,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 class TestSingleInstance : public QObject {
   Q_OBJECT
@@ -14,6 +16,7 @@ class TestSingleInstance : public QObject {
   void onlyOneOfManyWins();
   void foldersAreIndependent();
   void missingFolderIsNoObstacle();
+  void lockFileOfAnotherUser();
 };
 
 void TestSingleInstance::secondStartRaisesTheFirst() {
@@ -62,6 +65,19 @@ void TestSingleInstance::foldersAreIndependent() {
 void TestSingleInstance::missingFolderIsNoObstacle() {
   SingleInstance instance("/nowhere/at/all/");
   QVERIFY(instance.claim());
+}
+
+void TestSingleInstance::lockFileOfAnotherUser() {
+  QTemporaryDir folder;
+  SingleInstance owner(folder.path() + "/");
+  QVERIFY(owner.claim());
+  chmod(QFile::encodeName(folder.path()).constData(), 0755);
+  chmod(QFile::encodeName(folder.filePath("gpsData.lock")).constData(), 0444);
+  const uid_t user = geteuid();
+  QCOMPARE(seteuid(user == 0 ? 65534 : user), 0);  // root may write anything
+  const bool claimed = SingleInstance(folder.path() + "/").claim();
+  QCOMPARE(seteuid(user), 0);
+  QVERIFY(!claimed);
 }
 
 QTEST_GUILESS_MAIN(TestSingleInstance)
