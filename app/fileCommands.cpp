@@ -12,6 +12,7 @@
 #include "export/tcxWriter.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QLoggingCategory>
 
 Q_LOGGING_CATEGORY(lcFiles, "trakko.files", QtInfoMsg)
@@ -25,6 +26,14 @@ QString offsetNow() {
 
 QString withT(const QString& startTime) {
   return QString(startTime).replace(u' ', u'T');
+}
+
+QString restoredNoDatabase(const QString& chosen, const QString& database) {
+  const QString told = QStringLiteral("「%1」はデータベースではないか、壊れています。").arg(chosen);
+  const QFileInfo kept(databaseFile::beforeRestore(database));
+  return kept.exists()
+             ? told + QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.fileName())
+             : told;
 }
 
 }  // namespace
@@ -93,14 +102,16 @@ void TrakkoAppDelegate::RecoverData() {
   if (path.isNull()) {
     return;
   }
-  report(databaseFile::restore(databasePath(mainBundle()), path),
-         QStringLiteral("「%1」から復元しました。").arg(path),
-         QStringLiteral("復元できませんでした"));
+  const QString database = databasePath(mainBundle());
+  // Looked at before it takes the place: opening and closing the database here would give up the
+  // locks of a download.
+  const bool wrong = QFileInfo(path) != QFileInfo(database) && isNoDatabase(path);
+  const databaseFile::Result result = databaseFile::restore(database, path);
   // Any file may be chosen; one that is no database is taken, and told of.
-  const QString problem = startUpProblem(mainBundle());
-  if (!problem.isNull()) {
-    showStatus(problem);
-  }
+  report(result,
+         wrong ? restoredNoDatabase(path, database)
+               : QStringLiteral("「%1」から復元しました。").arg(path),
+         QStringLiteral("復元できませんでした"));
   getNewData = 1;
   startRefresh();
   viewMonth->update();

@@ -53,6 +53,11 @@ QString fileProblem(const QString& path) {
 
 }  // namespace
 
+bool isNoDatabase(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) && !looksLikeDatabase(file);
+}
+
 QString startUpProblem(const Bundle& bundle) {
   const QString path = databasePath(bundle);
   if (path.isNull()) {
