@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QLibraryInfo>
+#include <QMessageBox>
 #include <QTranslator>
 #include <cstdlib>
 #include <memory>
@@ -49,6 +50,20 @@ void raiseWindow(MainWindow* window) {
   window->activateWindow();
 }
 
+/// Shows what kept the launcher from making the user's folder; false when nothing did. Launchers
+/// have no boxes of their own where the desktop's tools for it are not installed.
+bool tellLauncherProblem() {
+  const QString problem = qEnvironmentVariable("TRAKKO_STARTUP_PROBLEM");
+  if (problem.isEmpty()) {
+    return false;
+  }
+  QMessageBox box(QMessageBox::Information, QStringLiteral("Morvel GPS"), problem);
+  box.setTextFormat(Qt::PlainText);
+  box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+  box.exec();
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -60,6 +75,9 @@ int main(int argc, char* argv[]) {
   QGuiApplication::setDesktopFileName(QStringLiteral("com.morvel.Trakko"));
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.morvel.Trakko.svg")));
   speakJapanese(application);
+  if (tellLauncherProblem()) {
+    return EXIT_FAILURE;
+  }
   setMainBundle(bundleOfProgram(programPath(QFile::decodeName(argv[0]))));
 
   SingleInstance instance(folderBeside(mainBundle()));

@@ -12,7 +12,7 @@ fail() { echo "FAILED: $*" >&2; exit 1; }
 # bundle NAME: an installed bundle that prints the path it was started by and its arguments.
 bundle() {
   mkdir -p "$work/$1/Trakko.app/Contents" "$work/$1/png"
-  printf '#!/bin/sh\necho "$0|$*|$RESOURCE_NAME"\n' >"$work/$1/Trakko.app/Contents/Trakko"
+  printf '#!/bin/sh\necho "$0|$*|$RESOURCE_NAME$TRAKKO_STARTUP_PROBLEM"\n' >"$work/$1/Trakko.app/Contents/Trakko"
   chmod +x "$work/$1/Trakko.app/Contents/Trakko"
 }
 # run_with BUNDLE [VARIABLE=VALUE...]
@@ -48,7 +48,12 @@ expect "$(run_with one XDG_DATA_HOME=relative TRAKKO_DATA_NAME=demo)" \
   "relative XDG_DATA_HOME, other name"
 
 touch "$work/file"
-! run_with one XDG_DATA_HOME="$work/file" 2>"$work/message" || fail "started without a folder"
+for tool in sh dirname readlink mkdir; do  # and none that shows boxes
+  mkdir -p "$work/bin" && ln -s "$(command -v $tool)" "$work/bin/"
+done
+! run_with one XDG_DATA_HOME="$work/file" PATH="$work/bin" >"$work/shown" 2>"$work/message" ||
+  fail "started without a folder"
 grep -q "$work/file/trakko" "$work/message" || fail "the message does not name the folder"
+grep -q "$work/one/.*$work/file/trakko" "$work/shown" || fail "the program does not show the message"
 ! run_with missing 2>"$work/message" || fail "started without a bundle"
 [ -s "$work/message" ] || fail "no message about the missing bundle"
