@@ -11,7 +11,8 @@
 
 struct sqlite3;
 
-/// The activity store: the only code that talks to "gpsData.db3", which lies beside the bundle.
+/// The activity store: the only code that reads and writes records in "gpsData.db3", which lies
+/// beside the bundle. (HeldDatabase opens the file, too, to hold it still as a whole.)
 ///
 /// Make a fresh object for each use, call one or a few operations and drop it. One object belongs
 /// to one thread; different threads use objects of their own. Nothing here talks to the user:
