@@ -25,12 +25,17 @@ void runGuarded(const std::function<void()>& work) {
 
 void detachThread(const char* name, std::function<void()> work) {
   ++running;
-  std::thread([name, task = std::move(work)]() mutable {
-    pthread_setname_np(pthread_self(), name);
-    runGuarded(task);
-    task = nullptr;  // let go of what the work kept alive before the thread counts as ended
+  try {
+    std::thread([name, task = std::move(work)]() mutable {
+      pthread_setname_np(pthread_self(), name);
+      runGuarded(task);
+      task = nullptr;  // let go of what the work kept alive before the thread counts as ended
+      --running;
+    }).detach();
+  } catch (...) {  // the system refuses one more thread: the caller's affair
     --running;
-  }).detach();
+    throw;
+  }
 }
 
 int detachedThreadCount() {

@@ -11,7 +11,7 @@
 class PortHolder {
  public:
   virtual ~PortHolder() = default;
-  /// True while a command runs on the object over a line that is still there.
+  /// True while a command runs on the object, whatever became of its line.
   virtual bool isConversing() const = 0;
   /// True when the line went away under the holder (unplugged): nothing there to protect.
   virtual bool lineLost() const = 0;
@@ -30,7 +30,7 @@ class PortTable {
 
   /// Makes `holder` the user of the port at `node` and returns true; an earlier user has given way
   /// then. False when the port belongs to another living session or to an object on which a command
-  /// runs. Any thread.
+  /// runs, unless its line was lost. Any thread.
   bool claim(const QString& node, const std::shared_ptr<PortHolder>& holder,
              const std::shared_ptr<WatchSession>& session);
 

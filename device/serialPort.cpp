@@ -47,21 +47,6 @@ int awaitPort(int descriptor, int wake, short events, int timeoutMs) {
   }
 }
 
-/// Writes wait for the other side with a limit, so while one is in hand the descriptor does not
-/// block. The reader looks at poll() first and does not mind.
-class WithoutBlocking {
- public:
-  explicit WithoutBlocking(int descriptor) : descriptor_(descriptor) {
-    ::fcntl(descriptor_, F_SETFL, O_NONBLOCK);
-  }
-  ~WithoutBlocking() { ::fcntl(descriptor_, F_SETFL, 0); }
-  WithoutBlocking(const WithoutBlocking&) = delete;
-  WithoutBlocking& operator=(const WithoutBlocking&) = delete;
-
- private:
-  int descriptor_;
-};
-
 }  // namespace
 
 /// Keeps the descriptor from being closed while it is read or written.
@@ -113,11 +98,13 @@ QString SerialPort::open(const QString& node, qint32 baud) {
 }
 
 QString SerialPort::configure(qint32 baud) {
-  // The ioctl does not bind the superuser; the advisory lock binds every user of this program.
-  if (wake_ < 0 || ::ioctl(descriptor, TIOCEXCL) != 0 ||
-      ::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+  // The ioctl does not bind the superuser; the advisory lock binds every user of this program. It
+  // comes first: the ioctl sets a flag of the line, which an opening that is refused leaves alone.
+  if (wake_ < 0 || ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 ||
+      ::ioctl(descriptor, TIOCEXCL) != 0) {
     return QStringLiteral("Error: couldn't obtain lock on serial port");
   }
+  exclusive_ = true;
   if (::fcntl(descriptor, F_SETFL, 0) != 0) {
     return QStringLiteral("Error: couldn't obtain lock on serial port");
   }
@@ -137,6 +124,11 @@ QString SerialPort::configure(qint32 baud) {
   }
   // What came before raw mode was altered and echoed by the line discipline.
   ::tcflush(descriptor, TCIFLUSH);
+  // Waiting is left to poll(), which close() can end. What poll() saw may be gone when it is read:
+  // another program took it, or the driver's buffer was flushed.
+  if (::fcntl(descriptor, F_SETFL, O_NONBLOCK) != 0) {
+    return QStringLiteral("Error: couldn't obtain lock on serial port");
+  }
   return {};
 }
 
@@ -157,7 +149,9 @@ void SerialPort::close() {
   if (wake_ >= 0) {
     ::close(std::exchange(wake_, -1));
   }
-  ::ioctl(descriptor, TIOCNXCL);
+  if (exclusive_) {
+    ::ioctl(descriptor, TIOCNXCL);
+  }
   // The number goes to -1 first: once it is closed the system may hand it out again.
   ::close(descriptor.exchange(-1));
   idle_.notify_all();
@@ -215,7 +209,6 @@ bool SerialPort::write(std::span<const std::byte> bytes) {
     qCWarning(lcPort, "nothing written: the port is closed");
     return false;
   }
-  const WithoutBlocking guard(use.descriptor);
   const auto deadline = steady_clock::now() + writeLimit;
   while (!bytes.empty()) {
     const ssize_t count = ::write(use.descriptor, bytes.data(), bytes.size());

@@ -39,7 +39,9 @@ class SerialPort {
   /// Writes all bytes; false when the port is closed, fails or takes nothing for a second.
   bool write(std::span<const std::byte> bytes);
 
-  bool isOpen() const { return descriptor >= 0; }
+  /// False from the moment that closing begins: a read that close() has ended finds the port closed
+  /// and can tell that from a line that went away.
+  bool isOpen() const { return descriptor >= 0 && !closing_; }
 
   /// Number of the open descriptor, -1 when closed. For display only.
   std::atomic<int> descriptor{-1};
@@ -54,9 +56,10 @@ class SerialPort {
 
   std::mutex mutex_;
   std::condition_variable idle_;
-  int users_ = 0;         ///< Reads and writes in hand. Guarded by mutex_.
-  bool closing_ = false;  ///< Guarded by mutex_.
-  int wake_ = -1;         ///< eventfd that ends every poll once the port closes.
+  int users_ = 0;                     ///< Reads and writes in hand. Guarded by mutex_.
+  std::atomic<bool> closing_{false};  ///< Set with mutex_ locked, never cleared.
+  bool exclusive_ = false;            ///< TIOCEXCL was taken. Set before other threads come.
+  int wake_ = -1;                     ///< eventfd that ends every poll once the port closes.
   std::mutex writeMutex_;
 
   // Bytes taken from the system ahead of the blocks they belong to. Reading thread.

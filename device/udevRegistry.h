@@ -10,7 +10,7 @@
 class UdevRegistry : public UsbRegistry {
  public:
   /// `extraNode` is a device file that is offered as one more watch (an emulated one, an adapter
-  /// with other ids), before all others; empty for none.
+  /// with other ids) and preferred to all others; empty for none.
   explicit UdevRegistry(const QString& extraNode = qEnvironmentVariable("TRAKKO_WATCH_PORT"));
 
   std::optional<QList<UsbDevice>> devices(quint16 vendor, quint16 product) const override;
