@@ -4,6 +4,7 @@
 #include "app/mainQueue.h"
 #include "device/detachThread.h"
 
+#include <QFileInfo>
 #include <QProgressBar>
 #include <QScopeGuard>
 #include <thread>
@@ -47,6 +48,50 @@ QString lineFor(LinkObstacle obstacle) {
   return QStringLiteral("シリアルポートを開けませんでした。詳細はログを確認して下さい。");
 }
 
+/// What became of the received lines of a download that did not reach the database as a whole.
+QString lineForKept(const usbOperating& usb) {
+  if (!usb.lastingPath.isNull()) {
+    return QStringLiteral("受信したデータは「%1」に残してあります。")
+        .arg(QFileInfo(usb.lastingPath).fileName());
+  }
+  if (usb.linesKept) {
+    return QStringLiteral("受信したデータは lastDownload.txt に残っています。");
+  }
+  return QStringLiteral(
+      "受信したデータもファイルに残せませんでした。時計のデータを消去しないで下さい。");
+}
+
+/// What the user must know before the watch may be erased; null when nothing.
+QString warningFor(const usbOperating& usb) {
+  if (usb.runsNotStored > 0) {
+    return QStringLiteral("%1件のうち%2件のランを保存できませんでした。")
+               .arg(usb.runArr.size())
+               .arg(usb.runsNotStored) +
+           lineForKept(usb);
+  }
+  if (!usb.linesKept) {
+    return QStringLiteral(
+        "受信したデータの控えをファイルに残せませんでした。"
+        "時計のデータを消去する前に、ランが表示されているか確認して下さい。");
+  }
+  return {};
+}
+
+/// The codes without a message box still leave a line in the status bar.
+QString outcomeOf(const usbOperating& usb, qint32 code) {
+  switch (code) {
+    case 1:
+      return usb.runsNotStored > 0 ? warningFor(usb)
+                                   : QStringLiteral("ダウンロードが完了しました。");
+    case 88:
+      return QStringLiteral("新しいランはありませんでした。");
+    case -1:
+      return QStringLiteral("ランを保存できませんでした。") + lineForKept(usb);
+    default:
+      return {};
+  }
+}
+
 }  // namespace
 
 void TrakkoAppDelegate::downloadDataBu() {
@@ -77,31 +122,17 @@ void TrakkoAppDelegate::downloadData() {
 }
 
 void TrakkoAppDelegate::downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code) {
-  const QString message = messageFor(code);
+  const QString message = code == 1 ? warningFor(*usb) : messageFor(code);
   if (!message.isNull()) {
     alertUSB(message);
   }
-  reportOutcome(code);
+  performOnMainThread([this, line = outcomeOf(*usb, code)] { showStatus(line); });
   if (code != 1) {
     return;
   }
   getNewData = 1;
   mainQueue.post([this, usb] { askToEraseWatch(usb); });
   mainQueue.post([this] { startRefreshOfNewData(); });
-}
-
-// The codes without a message box still leave a line in the status bar.
-void TrakkoAppDelegate::reportOutcome(qint32 code) {
-  QString line;
-  if (code == 1) {
-    line = QStringLiteral("ダウンロードが完了しました。");
-  } else if (code == 88) {
-    line = QStringLiteral("新しいランはありませんでした。");
-  } else if (code == -1) {
-    line = QStringLiteral(
-        "ランを保存できませんでした。受信したデータは lastDownload.txt に残っています。");
-  }
-  performOnMainThread([this, line] { showStatus(line); });
 }
 
 void TrakkoAppDelegate::askToEraseWatch(const std::shared_ptr<usbOperating>& usb) {

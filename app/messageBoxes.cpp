@@ -3,6 +3,7 @@
 #include "app/mainQueue.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
@@ -49,6 +50,22 @@ void showMessage(QWidget* parent, const QString& text) {
   box->show();
 }
 
+/// Returns when the user has closed every message: a question would come to stand before one that
+/// may be the reason for its answer.
+void awaitMessages(const QWidget* parent) {
+  QList<QPointer<QMessageBox>> boxes;
+  for (QMessageBox* box : parent->findChildren<QMessageBox*>()) {
+    boxes.append(box);
+  }
+  for (const QPointer<QMessageBox>& box : boxes) {
+    if (box && box->isVisible()) {
+      QEventLoop reading;
+      QObject::connect(box.data(), &QDialog::finished, &reading, &QEventLoop::quit);
+      reading.exec();
+    }
+  }
+}
+
 }  // namespace
 
 void MessageBoxes::setWindow(QWidget* window) {
@@ -60,6 +77,9 @@ void MessageBoxes::message(const QString& text) {
 }
 
 bool MessageBoxes::confirmErase(const QString& text) {
+  if (parent) {
+    awaitMessages(parent);
+  }
   QMessageBox box(parent);
   fill(box, QStringLiteral("消去"), text);
   box.setIcon(QMessageBox::Question);

@@ -14,7 +14,8 @@ class Dialogs {
   virtual void message(const QString& text) = 0;
 
   /// Asks `text` in a box titled "消去" with the buttons "キャンセル" (the default) and "消去";
-  /// true only for "消去". Main thread; returns when answered.
+  /// true only for "消去". Messages shown before are read first. Main thread; returns when
+  /// answered.
   virtual bool confirmErase(const QString& text) = 0;
 
   /// A file to write, restricted to the extension `type` ("TCX", "GPX", "db3"), with the panel's

@@ -6,6 +6,7 @@
 #include "device/usbRegistry.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -92,6 +93,17 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   LapDictionary lapMD;
   PointDictionary pointMD;
   qint64 cnumber = 0;  ///< Activity number in hand.
+  /// How many runs of runArr are not in the database although they were to be stored.
+  qsizetype runsNotStored = 0;
+
+  // Where the lines of the last download are when the watch is erased.
+
+  /// They are in DeviceEnvironment::lastDownloadPath, until the next download of more than two
+  /// lines.
+  std::atomic<bool> linesKept{false};
+  /// File that holds them for good because runsNotStored is not 0; null when that is 0 or the file
+  /// could not be made. Thread of the commands.
+  QString lastingPath;
 
   // Assistance data for the GPS receiver. Thread of the commands.
 
@@ -176,7 +188,8 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   static QString turn10to2(const QString& decimal);
 
   /// Decodes chStr and stores the new runs. -1 without run lines or when nothing was stored, 88
-  /// when no run was completed, 1 when at least one was stored. Fills the batch members.
+  /// when no run was completed, 1 when at least one was stored. Fills the batch members and
+  /// runsNotStored.
   qint32 convertChstr();
 
   // Assistance data.
@@ -211,6 +224,7 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   QStringList receivedLines();
   qsizetype lineCount();
   void keepLines();
+  void keepUnstoredRuns(const QDateTime& end);
 
   void request(const QString& command);
   void awaitBlock();

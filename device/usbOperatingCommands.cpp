@@ -41,6 +41,9 @@ bool usbOperating::linkCommand() {
 qint32 usbOperating::getAllData() {
   const Operation operation(*this);
   getDataType = allData;
+  linesKept = false;
+  lastingPath = QString();
+  runsNotStored = 0;
   checkGetDataType = receiveMode::download;
   ensurePort();
   downloadDataFinish = false;
@@ -54,6 +57,7 @@ qint32 usbOperating::getAllData() {
   while (!downloadDataFinish) {
     checkTransmission();
   }
+  const QDateTime end = QDateTime::currentDateTime();
   keepLines();
   if (!getDataOK || !downloadDataFinish) {
     checkStop = true;
@@ -64,6 +68,7 @@ qint32 usbOperating::getAllData() {
     return noRecords;
   }
   const qint32 result = convertChstr();
+  keepUnstoredRuns(end);
   checkStop = true;
   return result;
 }
@@ -76,9 +81,28 @@ void usbOperating::keepLines() {
     return;
   }
   const QString error = keepDownload(environment_.lastDownloadPath, lines);
-  if (!error.isNull()) {
+  linesKept = error.isNull();
+  if (!linesKept) {
     qCCritical(lcProtocol, "download not kept in %s: %s",
                qUtf8Printable(environment_.lastDownloadPath), qUtf8Printable(error));
+  }
+}
+
+/// Once the watch is erased, such runs exist only in the kept lines: the next download must not
+/// replace them.
+void usbOperating::keepUnstoredRuns(const QDateTime& end) {
+  if (runsNotStored == 0) {
+    return;
+  }
+  qCCritical(lcProtocol, "%lld of %lld runs not stored", static_cast<long long>(runsNotStored),
+             static_cast<long long>(runArr.size()));
+  if (environment_.lastDownloadPath.isEmpty()) {
+    return;
+  }
+  const LastingCopy copy = keepForGood(environment_.lastDownloadPath, receivedLines(), end);
+  lastingPath = copy.path;
+  if (copy.path.isNull()) {
+    qCCritical(lcProtocol, "no lasting copy of the download: %s", qUtf8Printable(copy.error));
   }
 }
 

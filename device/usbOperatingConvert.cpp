@@ -4,7 +4,24 @@
 #include "device/downloadDecoder.h"
 #include "device/usbOperating.h"
 
+#include <algorithm>
+
+namespace {
+
+/// How many runs of the batch the store does not know, or cannot tell. Storing answers well as soon
+/// as one run succeeded, and statements that fail (an apostrophe in the run's name) take along only
+/// their own run.
+qsizetype countMissing(const QStringList& keys, const RunDictionary& runs) {
+  dataControl store;
+  return std::count_if(keys.cbegin(), keys.cend(), [&](const QString& key) {
+    return store.checkRecord(runs.value(key).T_RunStartTime) != 1;
+  });
+}
+
+}  // namespace
+
 qint32 usbOperating::convertChstr() {
+  runsNotStored = 0;
   const QStringList lines = receivedLines();
   if (lines.isEmpty()) {
     return -1;
@@ -26,5 +43,7 @@ qint32 usbOperating::convertChstr() {
     return decoded.code;
   }
   store.close_db();
-  return store.getSqlArr(runMD, lapMD, pointMD, runArr);
+  const qint32 result = store.getSqlArr(runMD, lapMD, pointMD, runArr);
+  runsNotStored = countMissing(runArr, runMD);
+  return result;
 }

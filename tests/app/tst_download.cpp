@@ -1,10 +1,15 @@
+#include "app/mainQueue.h"
+#include "app/messageBoxes.h"
 #include "data/dataControl.h"
 #include "tools/watchsim/emulatedWatch.h"
 #include "tools/watchsim/watchMemory.h"
 #include "windowFixture.h"
 
 #include <QLabel>
+#include <QMessageBox>
 #include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
 
 namespace {
 
@@ -24,6 +29,9 @@ class TestDownload : public QObject {
   void runsArriveAndTheWatchIsErased();
   void declinedErasureKeepsTheWatch();
   void nothingNewAddsNothing();
+  void warningsBeforeTheErasure_data();
+  void warningsBeforeTheErasure();
+  void aQuestionWaitsForTheMessage();
   void messages_data();
   void messages();
   void statusLines_data();
@@ -83,6 +91,63 @@ void TestDownload::nothingNewAddsNothing() {
   QCOMPARE(dataControl().getTrackData(1).size(), 20);
   QCOMPARE(fixture.dialogs->questions.size(), 1);
   QCOMPARE(fixture.controller->statusLine->text(), "新しいランはありませんでした。");
+}
+
+void TestDownload::warningsBeforeTheErasure_data() {
+  QTest::addColumn<bool>("runFails");
+  QTest::addColumn<bool>("fileFails");
+  QTest::addColumn<QString>("message");
+  QTest::addColumn<QString>("line");
+  QTest::newRow("a run is not stored")
+      << true << false
+      << "3件のうち1件のランを保存できませんでした。受信したデータは「lastDownload-"
+      << "3件のうち1件のランを保存できませんでした。";
+  QTest::newRow("the lines are not kept") << false << true << "控えをファイルに残せませんでした"
+                                          << "ダウンロードが完了しました。";
+}
+
+void TestDownload::warningsBeforeTheErasure() {
+  QFETCH(bool, runFails);
+  QFETCH(bool, fileFails);
+  QFETCH(QString, message);
+  QFETCH(QString, line);
+  EmulatedWatchOptions options = smallWatch();
+  if (runFails) {
+    options.memory[0].replace(18, 7, "O'Brien");  // the name, in the first run's header
+  }
+  WindowFixture fixture;
+  EmulatedWatch watch(options);
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  if (fileFails) {
+    QVERIFY(QDir().mkpath(fixture.file("lastDownload.txt")));
+  }
+  QString saidBefore;
+  fixture.dialogs->duringQuestion = [&] { saidBefore = fixture.dialogs->messages().join(u'|'); };
+  fixture.controller->downloadDataBu();
+  fixture.settle();
+  QVERIFY2(saidBefore.contains(message), qUtf8Printable(saidBefore));
+  const QString status = fixture.controller->statusLine->text();
+  QVERIFY2(status.startsWith(line), qUtf8Printable(status));
+  QCOMPARE(dataControl().getRunData("all", {}).size(), runFails ? runCount - 1 : runCount);
+}
+
+void TestDownload::aQuestionWaitsForTheMessage() {
+  QWidget window;
+  MessageBoxes boxes;
+  boxes.setWindow(&window);
+  boxes.message("message");
+  QStringList shown;
+  QTimer clicks;
+  connect(&clicks, &QTimer::timeout, [&shown] {
+    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+      shown << box->informativeText();
+      box->buttons().constLast()->click();
+    }
+  });
+  clicks.start(10);
+  mainQueue.post([&] { boxes.confirmErase("question"); });
+  QTRY_COMPARE(shown, (QStringList{"message", "question"}));
 }
 
 void TestDownload::messages_data() {
