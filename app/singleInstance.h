@@ -15,6 +15,7 @@ class SingleInstance : public QObject {
   /// `folder` is the one that holds the database, with its trailing "/".
   explicit SingleInstance(const QString& folder);
   ~SingleInstance() override;
+  Q_DISABLE_COPY_MOVE(SingleInstance)
 
   /// True when this process may work on the database: it holds the lock (the kernel gives it back
   /// when the process ends, however it ends), or no lock can be had in that folder at all.
