@@ -1,23 +1,25 @@
 // Stands in for both map services and writes down, in window.calls, what a page asks of them:
-// "Marker1 = Marker({...})" for a construction, "Marker1.setMap(null)" for a call.
+// "Marker1 = Marker({...})" for a construction, "Marker1.setMap(null)" for a call. Positions are
+// values, shown as "(lat,lng)": only what they hold counts.
 (function() {
   'use strict';
   window.calls = [];
 
   function show(value) {
     if (value === null || typeof value !== 'object') {
-      return typeof value === 'function' ? 'function' : JSON.stringify(value);
+      return {function: 'function', string: `'${value}'`}[typeof value] || String(value);
     }
     if (value instanceof HTMLElement) {
       return '#' + value.id;
     }
-    if (value.recordedAs) {
-      return value.recordedAs;
-    }
     if (Array.isArray(value)) {
       return '[' + value.map(show).join(' ') + ']';
     }
-    return '{' + Object.keys(value).map(key => key + ':' + show(value[key])).join(' ') + '}';
+    if ('lat' in value) {
+      return `(${value.lat},${value.lng})`;
+    }
+    return value.recordedAs ||
+        '{' + Object.keys(value).map(key => key + ':' + show(value[key])).join(' ') + '}';
   }
 
   function note(line, args) {
@@ -38,20 +40,12 @@
     };
   }
 
-  function api(given) {
-    return new Proxy(given, {
-      get: (target, key) => target[key] = target[key] || recorded(String(key))
-    });
-  }
-
-  // Positions are values: only what they hold counts.
-  function LatLng(lat, lng) {
-    return {recordedAs: `(${lat},${lng})`, lat: () => lat, lng: () => lng};
-  }
-  function LngLat(lng, lat) {
-    return {recordedAs: `(${lng} ${lat})`, lng, lat};
-  }
-
+  const api = given => new Proxy(given, {
+    get: (target, key) => target[key] = target[key] || recorded(String(key))
+  });
+  const number = value => Object.assign(() => value, {toString: () => String(value)});
+  const LatLng = function(lat, lng) { return {lat: number(lat), lng: number(lng)}; };
+  const LngLat = function(lng, lat) { return {lat, lng}; };
   window.google = {maps: api({LatLng, SymbolPath: {FORWARD_CLOSED_ARROW: 1}})};
   window.AMap = api({LngLat});
 })();

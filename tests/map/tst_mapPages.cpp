@@ -2,259 +2,163 @@
 #include "tests/map/webFixture.h"
 
 #include <QFile>
-#include <QRegularExpression>
 
 /// What the pages ask of the map services, in the real engine with a recorder in their place.
-class MapPagesTest : public QObject {
+class MapPagesTest : public MapTest {
   Q_OBJECT
 
  private Q_SLOTS:
-  void initTestCase();
-  void init();
-  void googlePageComesUp();
-  void googleTrack_data();
-  void googleTrack();
-  void googleDrawsAnew();
-  void arrowImages_data();
-  void arrowImages();
-  void amapPageComesUp();
-  void amapTrack_data();
-  void amapTrack();
-  void errorsBecomeMessages();
+  void init() {
+    startAnew("g-key");
+    QFile recorder(QFINDTESTDATA("mapRecorder.js"));
+    QVERIFY(recorder.open(QIODevice::ReadOnly));
+    server.files["/maps"] = recorder.readAll();
+    server.files["/maps/api/js"] = server.files["/maps"] + "initMap();";
+  }
+
+  void pagesComeUp() {
+    QVERIFY(loadGoogle());
+    QVERIFY(server.requests.first().startsWith(
+        "GET /maps/api/js?key=g-key&callback=initMap&language=en&region=GB "));
+    QCOMPARE(titles->value(0).value(0), "Simple Map");
+    QCOMPARE(titles->value(1).value(0), "Map Load Start");
+    QCOMPARE(value("google.maps.controlStyle + lineSymbol.path"), "azteca1");
+    server.requests.clear();
+    QVERIFY(loadAMap());
+    QCOMPARE(titles->value(0).value(0), "ZEPLA Map");
+    QVERIFY(server.requests.join().contains("GET /maps?v=1.3&key=key "));
+    QVERIFY(server.requests.join().contains("GET /Public/css/demo.Default.css "));
+  }
+
+  void calls_data() {
+    QTest::addColumn<bool>("google");
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, bool google, const QString& script, QString expected) {
+      expected.replace("ICON", "HOST/mapfiles/ridefinder-images/mm_20");
+      expected.replace("RED", "strokeColor:'#FF0000' strokeOpacity:1 strokeWeight:3");
+      expected.replace("OFFSET", "offset:{x:-7 y:-20}");
+      QTest::newRow(name) << google << script << expected;
+    };
+    row("no point", true, "MapPolyline('', '0', '')", "alert");
+    row("no break, then one point, cleared", true,
+        "MapPolyline(track(3), '1', '1'); MapPolyline(track(1), '1', '1'); SetMapNull();",
+        "Marker1 = Marker({position:(1,11) map:Map1 icon:'ICON_green.png'}) "
+        "Marker2 = Marker({position:(3,13) map:Map1 icon:'ICON_blue.png'}) "
+        "Polyline1 = Polyline({path:[(1,11) (2,12) (3,13)] geodesic:true RED map:Map1}) "
+        "Polyline1.setMap(null) "
+        "Marker1.setMap(null) Marker3 = Marker({position:(1,11) map:Map1 icon:'ICON_green.png'}) "
+        "Marker2.setMap(null) Marker4 = Marker({position:(1,11) map:Map1 icon:'ICON_blue.png'}) "
+        "Polyline2 = Polyline({path:[(1,11)] geodesic:true RED map:Map1}) Polyline2.setMap(null)");
+    row("a break", true, "MapPolyline(track(4), '0', 'new Array(0,2,3)')",
+        "Marker1 = Marker({position:(1,11) map:Map1 icon:'ICON_green.png'}) "
+        "Marker2 = Marker({position:(4,14) map:Map1 icon:'ICON_blue.png'}) "
+        "Marker3 = Marker({position:(1,11) map:Map1 icon:'2.png'}) "
+        "Polyline1 = Polyline({path:[(1,11) (2,12)] geodesic:true RED map:Map1}) "
+        "Marker4 = Marker({position:(3,13) map:Map1 icon:'2.png'}) "
+        "Polyline2 = Polyline({path:[(3,13)] geodesic:true RED map:Map1})");
+    row("new map, framed", true, "initMap(); Setfitbounds('1.5', '2.5', '11.5', '12.5');",
+        "Map2 = Map(#map, {center:(35.682492,139.7529278) streetViewControl:false panControl:true "
+        "scaleControl:true zoom:13}) LatLngBounds1 = LatLngBounds() "
+        "LatLngBounds1.extend((1.5,11.5)) LatLngBounds1.extend((2.5,12.5)) "
+        "Map2.fitBounds(LatLngBounds1)");
+    row("arrow between the first two points, moved", true,
+        "for (const lng of [11, 12]) { calls.splice(0); midLineArrows('[' + [1, 3, 5].map(lat =>"
+        "`new google.maps.LatLng(${lat},${lng})`) + ']'); }",
+        "Size2 = Size(24, 24) Point3 = Point(0, 0) Point4 = Point(12, 12) "
+        "MarkerImage2 = MarkerImage('HOST/mapfiles/dir_0.png', Size2, Point3, Point4) "
+        "Marker1.setMap(null) "
+        "Marker2 = Marker({position:(2,12) map:Map1 icon:MarkerImage2}) Marker2.setMap(Map1)");
+    row("position marker, taken away", true,
+        "marker_add_remover(1, 11); marker_add_remover(360, 0)",
+        "Size1 = Size(12, 20) Point1 = Point(0, 0) Point2 = Point(0, 32) "
+        "Marker1 = Marker({position:(1,11) map:Map1 "
+        "icon:{url:'2.png' size:Size1 origin:Point1 anchor:Point2}}) Marker1.setMap(null)");
+    row("AMap, no point", false, "MapPolyline('', '0', '')", "");
+    row("AMap, no break, then one point, arrow, cleared with a new map", false,
+        "MapPolyline(track(3), '1', '1'); MapPolyline(track(1), '1', '1');"
+        "midLineArrows(track(3)); SetMapNull();",
+        "Marker1 = Marker({icon:'start.png' position:(1,11) OFFSET}) Marker1.setMap(Map1) "
+        "Marker2 = Marker({icon:'end.png' position:(3,13) OFFSET}) Marker2.setMap(Map1) "
+        "Polyline1 = Polyline({path:[(1,11) (2,12) (3,13)] RED geodesic:true "
+        "strokeDasharray:[10 5]}) Polyline1.setMap(Map1) Map1.setFitView() Marker1.setMap(null) "
+        "Marker3 = Marker({icon:'start.png' position:(1,11) OFFSET}) Marker3.setMap(Map1) "
+        "Marker2.setMap(null) "
+        "Marker4 = Marker({icon:'end.png' position:(1,11) OFFSET}) Marker4.setMap(Map1) "
+        "Polyline1.setMap(null) "
+        "Polyline2 = Polyline({path:[(1,11)] RED geodesic:true strokeDasharray:[10 5]}) "
+        "Polyline2.setMap(Map1) Map1.setFitView() "
+        "Marker5 = Marker({icon:'arr/dir_45.png' position:(1.5,11.5)}) Marker5.setMap(Map1) "
+        "Map2 = Map('iCenter', {rotateEnable:true dragEnable:true zoomEnable:true "
+        "resizeEnable:true}) "
+        "Map2.plugin(['AMap.ToolBar'], function) ToolBar2 = ToolBar() Map2.addControl(ToolBar2) "
+        "Map2.setLang('en') Map2.plugin(['AMap.MapType'], function) "
+        "MapType2 = MapType({defaultType:0 showRoad:true}) Map2.addControl(MapType2) "
+        "Polyline2.setMap(null) Marker3.setMap(null) Marker4.setMap(null) Marker5.setMap(null)");
+    const QString dashed = "strokeColor:'#FF0000' strokeWeight:3 strokeDasharray:[10 5]}) ";
+    row("AMap, first piece drawn twice", false, "MapPolyline(track(4), '0', 'new Array(0,2,3)')",
+        "Marker1 = Marker({icon:'start.png' position:(1,11) OFFSET}) Marker1.setMap(Map1) "
+        "Marker2 = Marker({icon:'end.png' position:(4,14) OFFSET}) Marker2.setMap(Map1) "
+        "Polyline1 = Polyline({map:Map1 path:[[(1,11) (2,12)]] " +
+            dashed +
+            "Polyline1.setMap(Map1) "
+            "Polyline2 = Polyline({map:Map1 path:[[(1,11) (2,12)] [(3,13)]] " +
+            dashed + "Polyline2.setMap(Map1) Map1.setFitView()");
+    row("AMap, position marker, moved", false,
+        "marker_add_remover(1, 11); marker_add_remover(2, 12)",
+        "Marker1 = Marker({icon:'2.png' position:(1,11) OFFSET}) Marker1.setMap(Map1) "
+        "Marker1.setMap(null) "
+        "Marker2 = Marker({icon:'2.png' position:(2,12) OFFSET}) Marker2.setMap(Map1)");
+  }
+
+  void calls() {
+    QFETCH(bool, google);
+    QFETCH(QString, script);
+    QVERIFY(google ? loadGoogle() : loadAMap());
+    newCalls();
+    view->evaluate(
+        "var place = " + QString(google ? "'{lat: LAT, lng: LNG}'" : "'new AMap.LngLat(LNG,LAT)'") +
+        "; var track = count => '[' + [...Array(count).keys()].map("
+        "i => place.replace('LAT', i + 1).replace('LNG', i + 11)) + ']';");
+    view->evaluate(script);
+    QStringList calls = newCalls();
+    calls += QStringList(alerts->messages.size(), "alert");
+    QTEST(calls.join(' '), "expected");
+  }
+
+  // The bearing is folded into 0 to 117.
+  void arrowImages() {
+    const QString images =
+        "[[36, 139], [35.0000001, 140], [34, 139], [35, 138], [36, 138.9914], [34.06, 138.587]]"
+        ".map(([lat, lng]) => { midLineArrows(`[%1]`); return parseInt(imagestr.split('dir_')[1]);"
+        "}).join()";
+    const QString google = "new google.maps.LatLng(35,139),new google.maps.LatLng(${lat},${lng})";
+    const QString amap = "new AMap.LngLat(139,35),new AMap.LngLat(${lng},${lat})";
+    QVERIFY(loadGoogle());
+    QCOMPARE(value(images.arg(google)), "0,90,60,30,0,81");
+    QVERIFY(loadAMap());
+    QCOMPARE(value(images.arg(amap)), "0,90,60,30,0,81");
+  }
+
+  // A service that answers with something else than its script: the page says so, the title stays.
+  void errorsBecomeMessages() {
+    server.files["/maps/api/js"] =
+        "google = {maps: {Map: function() { throw new Error('no map today'); },"
+        "SymbolPath: {}}}; initMap();";
+    QVERIFY(loadGoogle("Map Load Start"));
+    QTRY_COMPARE(alerts->messages, QStringList{"no map today"});
+    view->callFunction("MapPolyline", {"][", "1", "1"});
+    QTRY_COMPARE(alerts->messages.size(), 2);
+    QCOMPARE(titles->last().first(), "Map Load Start");
+  }
 
  private:
-  bool loadGoogle();
-  bool loadAMap();
   /// The calls since the last question.
-  QStringList newCalls() const;
-
-  QByteArray recorder;
-  std::unique_ptr<MapFixture> fixture;
+  QStringList newCalls() const {
+    QStringList calls = value("calls.splice(0)").toStringList();
+    return calls.replaceInStrings(server.address(), "HOST");
+  }
 };
 
-namespace {
-
-const QString line =
-    "{path:[%1] geodesic:true strokeColor:\"#FF0000\" strokeOpacity:1 "
-    "strokeWeight:3 map:Map1}";
-
-QString place(int i) {
-  return QString("{lat:%1 lng:%2}")
-      .arg(35.6 + i * 0.0001, 0, 'g', 10)
-      .arg(139.7 + i * 0.0001, 0, 'g', 10);
-}
-
-QString places(int from, int to) {
-  QStringList list;
-  for (int i = from; i < to; ++i) {
-    list += place(i);
-  }
-  return list.join(' ');
-}
-
-/// The calls without their arguments.
-QString heads(QStringList calls) {
-  return calls.replaceInStrings(QRegularExpression("\\(.*"), "").join(',');
-}
-
-}  // namespace
-
-void MapPagesTest::initTestCase() {
-  QFile file(QFINDTESTDATA("mapRecorder.js"));
-  QVERIFY(file.open(QIODevice::ReadOnly));
-  recorder = file.readAll();
-  fixture = std::make_unique<MapFixture>();
-  fixture->services.googleKey = "g-key";
-}
-
-void MapPagesTest::init() {
-  fixture->server.files = {{"/maps/api/js", recorder + "initMap();"}, {"/maps", recorder}};
-  fixture->server.requests.clear();
-  fixture->alerts->messages.clear();
-}
-
-bool MapPagesTest::loadGoogle() {
-  return fixture->loadGoogle();
-}
-
-bool MapPagesTest::loadAMap() {
-  return fixture->load(getGDHtmlStr(fixture->pageSettings()), "OK");
-}
-
-QStringList MapPagesTest::newCalls() const {
-  QStringList calls = fixture->value("calls.splice(0)").toStringList();
-  return calls.replaceInStrings(fixture->server.address(), "HOST");
-}
-
-void MapPagesTest::googlePageComesUp() {
-  QVERIFY(loadGoogle());
-  QVERIFY(fixture->server.requests.first().startsWith(
-      "GET /maps/api/js?key=g-key&callback=initMap&language=en&region=GB "));
-  QCOMPARE(fixture->titles->value(0).value(0), "Simple Map");
-  QCOMPARE(fixture->titles->value(1).value(0), "Map Load Start");
-  QCOMPARE(fixture->value("google.maps.controlStyle + lineSymbol.path"), "azteca1");
-}
-
-void MapPagesTest::googleTrack_data() {
-  QTest::addColumn<int>("count");
-  QTest::addColumn<QList<int>>("pauses");
-  QTest::addColumn<QStringList>("drawn");
-  QTest::newRow("no point") << 0 << QList<int>() << QStringList();
-  QTest::newRow("one point") << 1 << QList<int>()
-                             << QStringList{"Polyline1 = Polyline(" + line.arg(places(0, 1)) + ")"};
-  QTest::newRow("no break") << 5 << QList<int>()
-                            << QStringList{"Polyline1 = Polyline(" + line.arg(places(0, 5)) + ")"};
-  QTest::newRow("one break")
-      << 12 << QList<int>{4}
-      << QStringList{"Marker3 = Marker({position:" + place(0) + " map:Map1 icon:\"2.png\"})",
-                     "Polyline1 = Polyline(" + line.arg(places(0, 4)) + ")",
-                     "Marker4 = Marker({position:" + place(4) + " map:Map1 icon:\"2.png\"})",
-                     "Polyline2 = Polyline(" + line.arg(places(4, 11)) + ")"};
-}
-
-void MapPagesTest::googleTrack() {
-  QFETCH(int, count);
-  QFETCH(QList<int>, pauses);
-  QFETCH(QStringList, drawn);
-  QVERIFY(loadGoogle());
-  newCalls();
-  PointDictionary points = straightRun(count);
-  pauseAt(points, pauses);
-  TrackOverlay track = buildGoogleOverlay(points, 1, QString());
-  fixture->view->callFunction(
-      "MapPolyline",
-      {track.expression, track.breakPointStr == "1" ? "1" : "0", track.breakPointStr});
-  QStringList expected;
-  if (count > 0) {
-    const QString icons = "HOST/mapfiles/ridefinder-images/mm_20_";
-    expected = QStringList{"Marker1 = Marker({position:" + place(0) + " map:Map1 icon:\"" + icons +
-                               "green.png\"})",
-                           "Marker2 = Marker({position:" + place(count - 1) + " map:Map1 icon:\"" +
-                               icons + "blue.png\"})"} +
-               drawn;
-  }
-  QCOMPARE(newCalls(), expected);
-  // Evaluating no points at all is an error of the page's, which it tells.
-  QCOMPARE(fixture->alerts->messages.size(), count == 0 ? 1 : 0);
-}
-
-void MapPagesTest::googleDrawsAnew() {
-  QVERIFY(loadGoogle());
-  fixture->draw(straightRun(2));
-  newCalls();
-  fixture->draw(straightRun(2));
-  const QStringList calls = newCalls();
-  QCOMPARE(heads(calls),
-           "Map3 = Map,Polyline1.setMap,Marker1.setMap,Marker4 = Marker,Marker2.setMap,"
-           "Marker5 = Marker,Polyline2 = Polyline,LatLngBounds2 = LatLngBounds,"
-           "LatLngBounds2.extend,LatLngBounds2.extend,Map3.fitBounds,Size2 = Size,Point3 = Point,"
-           "Point4 = Point,MarkerImage2 = MarkerImage,Marker3.setMap,Marker6 = Marker,"
-           "Marker6.setMap");
-  QVERIFY(calls.contains("LatLngBounds2.extend((35.600000,139.700000))"));
-  QVERIFY(calls.contains("LatLngBounds2.extend((35.600100,139.700100))"));
-  fixture->view->evaluate("SetMapNull();");
-  QCOMPARE(newCalls(), QStringList{"Polyline2.setMap(null)"});
-}
-
-void MapPagesTest::arrowImages_data() {
-  QTest::addColumn<QString>("to");
-  QTest::addColumn<QString>("image");
-  QTest::newRow("north") << "36,139"
-                         << "dir_0";
-  QTest::newRow("east") << "35.0000001,140"
-                        << "dir_90";
-  QTest::newRow("south") << "34,139"
-                         << "dir_60";
-  QTest::newRow("west") << "35,138"
-                        << "dir_30";
-  QTest::newRow("359.6 degrees") << "36,138.9914"
-                                 << "dir_0";
-  QTest::newRow("200 degrees") << "34.06,138.587"
-                               << "dir_81";
-}
-
-void MapPagesTest::arrowImages() {
-  QFETCH(QString, to);
-  QFETCH(QString, image);
-  QVERIFY(loadGoogle());
-  fixture->view->callFunction("midLineArrows", {"[new google.maps.LatLng(35,139),"
-                                                "new google.maps.LatLng(" +
-                                                to + ")]"});
-  QTEST(fixture->value("imagestr.replace(/.*(dir_\\d+)\\.png/, '$1')").toString(), "image");
-}
-
-void MapPagesTest::amapPageComesUp() {
-  QVERIFY(loadAMap());
-  QCOMPARE(fixture->titles->value(0).value(0), "ZEPLA Map");
-  const QByteArray requests = fixture->server.requests.join();
-  QVERIFY(requests.contains("GET /maps?v=1.3&key=key "));
-  QVERIFY(requests.contains("GET /Public/css/demo.Default.css "));
-  // Each plugin's control is made in its callback and put on the map.
-  QCOMPARE(heads(newCalls()),
-           "Map1 = Map,Map1.plugin,ToolBar1 = ToolBar,Map1.addControl,"
-           "Map1.setLang,Map1.plugin,MapType1 = MapType,Map1.addControl");
-  // Clearing begins with a fresh map, which is given up at the end.
-  fixture->view->callFunction("MapPolyline", {"[new AMap.LngLat(139,35)]", "1", "1"});
-  newCalls();
-  fixture->view->evaluate("SetMapNull();");
-  const QString calls = heads(newCalls());
-  QVERIFY(calls.startsWith("Map2 = Map,"));
-  QVERIFY(calls.endsWith("Polyline1.setMap,Marker1.setMap,Marker2.setMap"));
-  QVERIFY(fixture->value("mapObj === null").toBool());
-}
-
-void MapPagesTest::amapTrack_data() {
-  QTest::addColumn<QString>("breaks");
-  QTest::addColumn<QStringList>("drawn");
-  const QString p[] = {"(139 35)", "(140 36)", "(141 37)", "(142 38)"};
-  QTest::newRow("no break") << "1"
-                            << QStringList{"Polyline1 = Polyline({path:[" + p[0] + ' ' + p[1] +
-                                               ' ' + p[2] + ' ' + p[3] +
-                                               "] strokeColor:\"#FF0000\" strokeOpacity:1 "
-                                               "strokeWeight:3 geodesic:true "
-                                               "strokeDasharray:[10 5]})",
-                                           "Polyline1.setMap(Map1)"};
-  const QString piece =
-      "Polyline%1 = Polyline({map:Map1 path:[%2] strokeColor:\"#FF0000\" "
-      "strokeWeight:3 strokeDasharray:[10 5]})";
-  QTest::newRow("first piece drawn twice")
-      << "new Array(0,2,3)"
-      << QStringList{piece.arg(1).arg('[' + p[0] + ' ' + p[1] + ']'), "Polyline1.setMap(Map1)",
-                     piece.arg(2).arg('[' + p[0] + ' ' + p[1] + "] [" + p[2] + ']'),
-                     "Polyline2.setMap(Map1)"};
-}
-
-void MapPagesTest::amapTrack() {
-  QFETCH(QString, breaks);
-  QFETCH(QStringList, drawn);
-  QVERIFY(loadAMap());
-  newCalls();
-  fixture->view->callFunction("MapPolyline",
-                              {"new Array(new AMap.LngLat(139,35),new AMap.LngLat(140,36),"
-                               "new AMap.LngLat(141,37),new AMap.LngLat(142,38))",
-                               breaks == "1" ? "1" : "0", breaks});
-  const QStringList expected =
-      QStringList{"Marker1 = Marker({icon:\"start.png\" position:(139 35) offset:{x:-7 y:-20}})",
-                  "Marker1.setMap(Map1)",
-                  "Marker2 = Marker({icon:\"end.png\" position:(142 38) offset:{x:-7 y:-20}})",
-                  "Marker2.setMap(Map1)"} +
-      drawn + QStringList{"Map1.setFitView()"};
-  QCOMPARE(newCalls(), expected);
-}
-
-// A service that answers with something else than its script: the page says so, the title stays.
-void MapPagesTest::errorsBecomeMessages() {
-  fixture->server.files["/maps/api/js"] =
-      "google = {maps: {Map: function() { throw new Error('no map today'); },"
-      "SymbolPath: {}}}; initMap();";
-  QVERIFY(fixture->load(gethtmlStr(fixture->pageSettings()), "Map Load Start"));
-  QTRY_COMPARE(fixture->alerts->messages, QStringList{"no map today"});
-  fixture->view->callFunction("MapPolyline", {"][", "1", "1"});
-  QTRY_COMPARE(fixture->alerts->messages.size(), 2);
-  QCOMPARE(fixture->titles->last().first(), "Map Load Start");
-}
-
-int main(int argc, char* argv[]) {
-  return runWebTest<MapPagesTest>(argc, argv);
-}
+QTEST_MAIN(MapPagesTest)
 #include "tst_mapPages.moc"

@@ -6,15 +6,10 @@
 #include "map/trackOverlay.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QHash>
-#include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTest>
-#include <QTestEventLoop>
 #include <QWebEnginePage>
+#include <QtTest>
 #include <memory>
 #include <unistd.h>
 
@@ -28,82 +23,88 @@ struct AlertLog : Dialogs {
 };
 
 /// A web server on this machine: fixed answers by path, 403 for everything else.
-class LocalServer : public QObject {
+class LocalServer : public QTcpServer {
  public:
   LocalServer() {
-    listener.listen(QHostAddress::LocalHost);
-    connect(&listener, &QTcpServer::newConnection, this, [this] {
-      QTcpSocket* socket = listener.nextPendingConnection();
-      connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+    listen(QHostAddress::LocalHost);
+    connect(this, &QTcpServer::newConnection, this, [this] {
+      QTcpSocket* socket = nextPendingConnection();
       connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+      connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+        requests.append(socket->readAll());
+        const QByteArray path = requests.last().split(' ').value(1).split('?').first();
+        socket->write((files.contains(path) ? "HTTP/1.1 200 OK" : "HTTP/1.1 403 Forbidden") +
+                      QByteArray("\r\nConnection: close\r\nAccess-Control-Allow-Origin: *") +
+                      "\r\n\r\n" + files.value(path));
+        socket->disconnectFromHost();
+      });
     });
   }
-
-  QString address() const { return "http://127.0.0.1:" + QString::number(listener.serverPort()); }
+  QString address() const { return "http://127.0.0.1:" + QString::number(serverPort()); }
 
   QHash<QByteArray, QByteArray> files;
-  QList<QByteArray> requests;  ///< Heads as received.
-  bool silent = false;         ///< Takes requests and never answers.
-
- private:
-  void answer(QTcpSocket* socket) {
-    const QByteArray head = socket->readAll();
-    requests.append(head);
-    if (silent) {
-      return;
-    }
-    const QByteArray path = head.split(' ').value(1).split('?').first();
-    const auto file = files.constFind(path);
-    const bool known = file != files.constEnd();
-    socket->write("HTTP/1.1 " + QByteArray(known ? "200 OK" : "403 Forbidden") +
-                  "\r\nConnection: close\r\nAccess-Control-Allow-Origin: *\r\n\r\n" +
-                  (known ? *file : QByteArray()));
-    socket->disconnectFromHost();
-  }
-
-  QTcpServer listener;
+  QByteArrayList requests;  ///< Heads as received.
 };
 
-/// A map view with its surroundings; services that nobody serves unless a test says otherwise.
-struct MapFixture {
-  MapFixture() {
-    services = {.googleHost = server.address(),
-                .googleKey = {},
-                .googleImageHost = server.address(),
-                .googleStaticHost = server.address(),
-                .amapHost = server.address(),
-                .amapKey = "key",
-                .amapSiteHost = server.address(),
-                .tileAddress = server.address() + "/tiles/{z}/{x}/{y}.png",
-                .referer = "http://home.example.org/"};
+/// A test with a map view and its surroundings: all services on one local server that serves
+/// nothing unless the test says otherwise.
+class MapTest : public QObject {
+ public:
+  /// Before the application exists: no display and no settings of the user's needed.
+  static void initMain() {
+    if (geteuid() == 0) {
+      qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");  // the engine refuses to sandbox root's pages
+    }
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+      qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QStandardPaths::setTestModeEnabled(true);
+    registerMapScheme();
   }
 
-  PageSettings pageSettings() const { return {imageFolder, services}; }
+ protected:
+  /// A new view, for pages with this key and script host of Google's.
+  void startAnew(const QString& googleKey = {}, const QString& googleHost = {}) {
+    server.files.clear();
+    server.requests.clear();
+    alerts->messages.clear();
+    imageFolder = "file://" TRAKKO_IMAGES "/";
+    const QString host = server.address();
+    services = {googleHost.isEmpty() ? host : googleHost,
+                googleKey,
+                host,
+                host,
+                host,
+                "key",
+                host,
+                host + "/tiles/{z}/{x}/{y}.png",
+                "http://home.example.org/"};
+    view = std::make_unique<WebMapView>(alerts, services, QString());
+    view->resize(640, 480);
+    view->show();
+    titles = std::make_unique<QSignalSpy>(view.get(), &WebMapView::titleReceived);
+  }
 
-  /// Loads a page into the view, which is made for the first one; waits for the title.
-  [[nodiscard]] bool load(const QString& html, const QString& title) {
-    if (!view) {
-      view = std::make_unique<WebMapView>(alerts, services, QString());
-      view->resize(640, 480);
-      view->show();
-      titles = std::make_unique<QSignalSpy>(view.get(), &WebMapView::titleReceived);
-    }
+  /// Loads a page and waits for the title.
+  [[nodiscard]] bool load(const QString& html, const QString& title) const {
     titles->clear();
     view->loadPage(html, QUrl(imageFolder));
     return waitForTitle(title);
   }
-  [[nodiscard]] bool loadGoogle() { return load(gethtmlStr(pageSettings()), "Map Load OK"); }
+  [[nodiscard]] bool loadGoogle(const QString& title = "Map Load OK") const {
+    return load(gethtmlStr({imageFolder, services}), title);
+  }
+  [[nodiscard]] bool loadAMap(const QString& title = "OK") const {
+    return load(getGDHtmlStr({imageFolder, services}), title);
+  }
 
   // Waiting goes through real event loops throughout: QTest::qWaitFor() and QTRY_ macros sleep
   // between events, and the engine needs hundreds of them for one page.
 
   bool waitForTitle(const QString& title) const {
-    while (!titles->contains(QVariantList{title})) {
-      if (!titles->wait(10000)) {
-        return false;
-      }
+    while (!titles->contains(QVariantList{title}) && titles->wait(10000)) {
     }
-    return true;
+    return titles->contains(QVariantList{title});
   }
 
   /// The value of a script expression, once all calls before have been carried out.
@@ -122,24 +123,22 @@ struct MapFixture {
 
   /// Whether the script expression becomes true.
   bool becomes(const QString& expression) const {
-    QElapsedTimer timer;
-    timer.start();
-    while (!value(expression).toBool()) {
-      if (timer.hasExpired(10000)) {
-        return false;
-      }
+    const QDeadlineTimer limit(10000);
+    while (!value(expression).toBool() && !limit.hasExpired()) {
       QTestEventLoop::instance().enterLoopMSecs(10);
     }
-    return true;
+    return !limit.hasExpired();
   }
 
   /// Draws as the controller does.
-  void draw(const TrackOverlay& track) const {
+  void draw(const PointDictionary& points,
+            decltype(buildGoogleOverlay)* build = buildGoogleOverlay) const {
+    const TrackOverlay track = build(points, 1, {});
     if (track.expression.isEmpty()) {
       view->evaluate("SetMapNull();");
       return;
     }
-    const auto number = [](double value) { return QString::number(value, 'f', 6); };
+    const auto number = [](double degrees) { return QString::number(degrees, 'f', 6); };
     view->evaluate("initMap();");
     view->callFunction("MapPolyline", {track.expression, track.breakPointStr == "1" ? "1" : "0",
                                        track.breakPointStr});
@@ -149,28 +148,11 @@ struct MapFixture {
       view->callFunction("midLineArrows", {track.arrPointStr});
     }
   }
-  void draw(const PointDictionary& points) const { draw(buildGoogleOverlay(points, 1, QString())); }
 
-  QString imageFolder = "file://" TRAKKO_IMAGES "/";
+  QString imageFolder;
   LocalServer server;
   MapSettings services;
   std::shared_ptr<AlertLog> alerts = std::make_shared<AlertLog>();
   std::unique_ptr<WebMapView> view;
   std::unique_ptr<QSignalSpy> titles;
 };
-
-/// main() of a test in the real engine: no display and no settings of the user's needed.
-template <typename Test>
-int runWebTest(int argc, char* argv[]) {
-  if (geteuid() == 0) {
-    qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");  // the engine refuses to sandbox root's pages
-  }
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
-  QStandardPaths::setTestModeEnabled(true);
-  registerMapScheme();
-  QApplication application(argc, argv);
-  Test test;
-  return QTest::qExec(&test, argc, argv);
-}
