@@ -66,11 +66,11 @@ void MainWindow::connectOutlets() {
 }
 
 void MainWindow::connectCommands() {
+  // Slots are called in the order of their connections: the highlighted run is the current one
+  // before a command acts on it.
   const auto on = [this](QAction* action, void (TrakkoAppDelegate::*command)()) {
-    connect(action, &QAction::triggered, controller_, [this, command] {
-      controller_->followSelection();
-      (controller_->*command)();
-    });
+    connect(action, &QAction::triggered, controller_, &TrakkoAppDelegate::followSelection);
+    connect(action, &QAction::triggered, controller_, command);
   };
   on(ui_->actionDownload, &TrakkoAppDelegate::downloadDataBu);
   on(ui_->actionDeleteOne, &TrakkoAppDelegate::deleteOneData);

@@ -136,6 +136,8 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void webLoadStr();
   QString gethtmlStr() const;
   QString getGDHtmlStr() const;
+  /// The page has loaded; nothing hangs on it.
+  void webLoadComplete();
   void didReceiveTitle(const QString& title);
   /// The page was lost and loads again: the run is drawn once it is there.
   void pageReset();

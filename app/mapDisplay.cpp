@@ -36,7 +36,7 @@ PageSettings TrakkoAppDelegate::pageSettings() const {
 
 QString TrakkoAppDelegate::gethtmlStr() const {
   const QString page = ::gethtmlStr(pageSettings());
-  qCDebug(lcMap).noquote() << page;
+  qCInfo(lcMap).noquote() << page;
   return page;
 }
 
@@ -48,6 +48,8 @@ void TrakkoAppDelegate::webLoadStr() {
   theWebView->loadPage(isAvailable ? gethtmlStr() : getGDHtmlStr(),
                        QUrl(pageSettings().imageFolder));
 }
+
+void TrakkoAppDelegate::webLoadComplete() {}
 
 void TrakkoAppDelegate::didReceiveTitle(const QString& title) {
   qCInfo(lcMap).noquote() << title;
@@ -117,7 +119,11 @@ void TrakkoAppDelegate::takeTrack(const LoadedTrack& track) {
 }
 
 void TrakkoAppDelegate::drawTrack(const QString& expression) {
+  const QString noPositions = QStringLiteral("このランには位置データがありません。");
   if (expression.isEmpty()) {
+    if (runDic.contains(text::padded(currentNumber, 2))) {
+      showStatus(noPositions);
+    }
     theWebView->evaluate(QStringLiteral("SetMapNull();"));
     return;
   }
@@ -127,6 +133,9 @@ void TrakkoAppDelegate::drawTrack(const QString& expression) {
   }
   if (!pageAnswers) {
     return;  // the page draws the run when it reports its map
+  }
+  if (statusLine->text() == noPositions) {
+    showStatus({});
   }
   checkInitMap = true;
   theWebView->evaluate(QStringLiteral("initMap();"));
