@@ -56,7 +56,8 @@ bool isPlainDecimal(QStringView value) {
 
 /// Databases may come from strangers: only numbers may get into the script.
 void appendCoordinate(QString& out, const QString& stored, double value) {
-  if (isPlainDecimal(stored)) {
+  // Script reads some hundred digits as infinite, as this program does.
+  if (isPlainDecimal(stored) && std::isfinite(text::toDouble(stored))) {
     out += stored;
   } else {
     out += text::fixed(value, decimals);

@@ -118,7 +118,8 @@ class TrackOverlayTest : public QObject {
   void hostileCoordinates() {
     const std::pair<QString, QStringList> rows[] = {
         {"%1", {"35.681236", "35", "-35.5", "0"}},  // as stored
-        {"0.000000", {"alert(1)", "0x10", "1e999", "nan", "-", "３５", QString()}},
+        {"0.000000",
+         {"alert(1)", "0x10", "1e999", "nan", "-", "３５", QString(), QString(400, '9')}},
         {"0.500000", {".5"}},
         {"1.000000", {"1});alert(1);//"}},
         {"10.500000", {"010.5"}},
