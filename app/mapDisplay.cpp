@@ -13,6 +13,7 @@
 #include "map/mapPages.h"
 
 #include <QItemSelectionModel>
+#include <QLabel>
 #include <QLoggingCategory>
 #include <QTableView>
 
