@@ -77,7 +77,7 @@ class MapPagesTest : public MapTest {
     row("AMap, no point", false, "MapPolyline('', '0', '')", "");
     row("AMap, no break, then one point, arrow, cleared with a new map", false,
         "MapPolyline(track(3), '1', '1'); MapPolyline(track(1), '1', '1');"
-        "midLineArrows(track(3)); SetMapNull();",
+        "midLineArrows(track(3)); SetMapNull(); calls.push(`${mapObj}`);",
         "Marker1 = Marker({icon:'start.png' position:(1,11) OFFSET}) Marker1.setMap(Map1) "
         "Marker2 = Marker({icon:'end.png' position:(3,13) OFFSET}) Marker2.setMap(Map1) "
         "Polyline1 = Polyline({path:[(1,11) (2,12) (3,13)] RED geodesic:true "
@@ -94,7 +94,8 @@ class MapPagesTest : public MapTest {
         "Map2.plugin(['AMap.ToolBar'], function) ToolBar2 = ToolBar() Map2.addControl(ToolBar2) "
         "Map2.setLang('en') Map2.plugin(['AMap.MapType'], function) "
         "MapType2 = MapType({defaultType:0 showRoad:true}) Map2.addControl(MapType2) "
-        "Polyline2.setMap(null) Marker3.setMap(null) Marker4.setMap(null) Marker5.setMap(null)");
+        "Polyline2.setMap(null) Marker3.setMap(null) Marker4.setMap(null) Marker5.setMap(null) "
+        "null");
     const QString dashed = "strokeColor:'#FF0000' strokeWeight:3 strokeDasharray:[10 5]}) ";
     row("AMap, first piece drawn twice", false, "MapPolyline(track(4), '0', 'new Array(0,2,3)')",
         "Marker1 = Marker({icon:'start.png' position:(1,11) OFFSET}) Marker1.setMap(Map1) "
