@@ -194,7 +194,8 @@ function startBundledMap(tileAddress, styleSheet) {
       super();
       const icon = typeof options.icon === 'string' ? {url: options.icon} : options.icon;
       const html = markerImage(icon);
-      this.layer = L.marker(toLeaflet(options.position), {
+      // A piece between two breaks may be without any point: its mark is nowhere.
+      this.layer = !options.position ? L.layerGroup() : L.marker(toLeaflet(options.position), {
         icon: L.divIcon({className: 'trakko-marker', html, iconSize: [0, 0]}),
         // Start, end and arrow come from the service and stay in sight before the many piece marks.
         zIndexOffset: /^https?:/.test(icon.url) ? 1000 : 0,
@@ -208,7 +209,8 @@ function startBundledMap(tileAddress, styleSheet) {
   class Polyline extends Overlay {
     constructor(options) {
       super();
-      this.layer = L.polyline(options.path.map(toLeaflet), {
+      const path = options.path.map(toLeaflet);
+      this.layer = !path.length ? L.layerGroup() : L.polyline(path, {
         color: options.strokeColor,
         opacity: options.strokeOpacity,
         weight: options.strokeWeight,

@@ -72,11 +72,23 @@ class BundledMapTest : public MapTest {
     QVERIFY(alerts->messages.isEmpty());
   }
 
+  // Points without a fix shift the breaks behind the end of the track: nothing is there to draw.
+  void piecesWithoutPoints() {
+    PointDictionary points = straightRun(60, {40, 50});
+    for (int i = 1; i <= 30; ++i) {
+      points[QString("1-%1").arg(i)] = pointAt("1", "1", "0", "0");
+    }
+    draw(points);
+    QCOMPARE(value("document.querySelectorAll('.trakko-marker').length"), 4);
+    QVERIFY(alerts->messages.isEmpty());
+  }
+
   // A window that is still hidden has no size to fit a track into.
   void framesOnceThereIsRoom() {
     const QString setWidth =
         "document.getElementById('map').style.width = '%1'; dispatchEvent(new Event('resize'))";
     value(setWidth.arg("0px"));
+    QVERIFY(becomes("map.leaflet.getSize().x === 0"));
     draw(straightRun(100));
     value(setWidth.arg(""));
     QVERIFY(becomes("map.leaflet.getSize().x > 600 && map.leaflet.getZoom() === 15"));
