@@ -99,11 +99,11 @@ QString MessageBoxes::fileToSave(const QString& title, const QString& name, cons
   panel.setDirectory(firstFolder());
   panel.selectFile(name + u'.' + type);
   while (panel.exec() == QDialog::Accepted) {
-    const QString chosen = panel.selectedFiles().value(0);
+    QString chosen = panel.selectedFiles().value(0);
     if (hasType(chosen, type)) {
       return chosen;
     }
-    const QString typed = chosen + u'.' + type;
+    QString typed = chosen + u'.' + type;
     if (!QFileInfo::exists(typed)) {
       return typed;
     }
@@ -118,7 +118,7 @@ QString MessageBoxes::fileToOpen(const QString& title, const QString& type) {
   panel.setNameFilter(filterFor(type));
   panel.setDirectory(firstFolder());
   while (panel.exec() == QDialog::Accepted) {
-    const QString chosen = panel.selectedFiles().value(0);
+    QString chosen = panel.selectedFiles().value(0);
     if (hasType(chosen, type)) {
       return chosen;
     }
