@@ -10,8 +10,8 @@ function startBundledMap(tileAddress, styleSheet) {
       '&copy; <a href="https://www.openstreetmap.org/copyright">OpenStreetMap</a> contributors';
   const tileFailure = '地図タイルを読み込めません';
   const offline = '（オフライン）';
-  const unreachable = '（サーバーに接続できません）';
   const retryAfter = 30000;  // ms
+  const silenceAfter = 10000;  // ms without any answer from the tiles' server
   const maxZoom = 19;        // of the tiles
   const maxFitZoom = 18;     // a track of one point still shows where it is
   const framing = 32;        // px around a track that is fitted in
@@ -88,16 +88,34 @@ function startBundledMap(tileAddress, styleSheet) {
       this.note = L.DomUtil.create('div', 'trakko-note', leaflet.getContainer());
       this.note.hidden = true;
       this.tiles = L.tileLayer(tileAddress, {attribution, maxZoom});
-      this.tiles.on('loading', () => { this.failures = 0; });
+      this.tiles.on('loading', () => {
+        this.failures = 0;
+        this.awaitAnswer();
+      });
       this.tiles.on('tileerror', () => this.failed());
-      this.tiles.on('load', () => { this.note.hidden = this.failures === 0; });
+      this.tiles.on('tileload', () => {
+        this.note.hidden = this.failures === 0;
+        this.awaitAnswer();
+      });
+      this.tiles.on('load', () => {
+        clearTimeout(this.silence);
+        this.note.hidden = this.failures === 0;
+      });
       window.addEventListener('online', () => this.tiles.redraw());
     }
     show() { this.tiles.addTo(this.leaflet); }
+    // A server may also accept and never answer.
+    awaitAnswer() {
+      clearTimeout(this.silence);
+      this.silence = setTimeout(() => this.showNote(), silenceAfter);
+    }
+    showNote() {
+      this.note.textContent = tileFailure + (navigator.onLine ? '' : offline);
+      this.note.hidden = false;
+    }
     failed() {
       this.failures++;
-      this.note.textContent = tileFailure + (navigator.onLine ? unreachable : offline);
-      this.note.hidden = false;
+      this.showNote();
       clearTimeout(this.retry);
       this.retry = setTimeout(() => this.tiles.redraw(), retryAfter);
     }

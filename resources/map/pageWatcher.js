@@ -6,16 +6,19 @@ function watchPage(readyWord) {
   'use strict';
 
   const failure = '地図サービスに接続できません';
+  const silenceAfter = 10000;  // ms
+  const answered = new WeakSet();
   let note = null;
+  let failed = false;
 
-  function showNote() {
-    if (note && document.body && !note.isConnected) {
-      document.body.append(note);
+  function showNote(place) {
+    if (note && place && !note.isConnected) {
+      place.append(note);
     }
   }
 
-  window.addEventListener('error', event => {
-    if (!(event.target instanceof HTMLScriptElement) || note) {
+  function makeNote(place) {
+    if (note) {
       return;
     }
     note = document.createElement('div');
@@ -24,11 +27,39 @@ function watchPage(readyWord) {
         'transform: translateX(-50%); padding: 5px 12px; border-radius: 4px; white-space: nowrap;' +
         'font: 13px "Noto Sans CJK JP", "Noto Sans JP", sans-serif; color: #333;' +
         'background: #fff; box-shadow: 0 1px 4px rgba(0, 0, 0, 0.3);';
-    showNote();
+    showNote(place);
+  }
+
+  function silent() {
+    return [...document.scripts].some(script => script.src && !answered.has(script));
+  }
+
+  // Of loads, unlike errors, the window does not hear.
+  document.addEventListener('load', event => {
+    answered.add(event.target);
+    if (note && !failed && !silent()) {
+      note.remove();
+      note = null;
+    }
   }, true);
 
+  window.addEventListener('error', event => {
+    if (event.target instanceof HTMLScriptElement) {
+      answered.add(event.target);
+      failed = true;
+      makeNote(document.body);
+    }
+  }, true);
+
+  setTimeout(() => {
+    if (silent()) {
+      // A script that holds the page may be in front of the body.
+      makeNote(document.body || document.documentElement);
+    }
+  }, silenceAfter);
+
   document.addEventListener('DOMContentLoaded', () => {
-    showNote();
+    showNote(document.body);
     console.info(readyWord);
   });
 }
