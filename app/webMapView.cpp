@@ -6,6 +6,7 @@
 #include "app/scriptText.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QTemporaryFile>
@@ -113,7 +114,7 @@ void WebMapView::load() {
     page_->setHtml(html_, baseUrl_);
     return;
   }
-  pageFile_ = std::make_unique<QTemporaryFile>(u"XXXXXX.html"_s);
+  pageFile_ = std::make_unique<QTemporaryFile>(QDir::tempPath() + u"/XXXXXX.html"_s);
   if (!pageFile_->open() || pageFile_->write(bytes) != bytes.size() || !pageFile_->flush()) {
     qCWarning(lcWebMap).noquote() << "The map page cannot be written:" << pageFile_->errorString();
     return;
