@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
+#include <QLabel>
 #include <QLibraryInfo>
 #include <QMessageBox>
 #include <QTranslator>
@@ -41,6 +42,10 @@ void connectMap(WebMapView* map, TrakkoAppDelegate* controller) {
   QObject::connect(map, &WebMapView::titleReceived, controller,
                    &TrakkoAppDelegate::didReceiveTitle);
   QObject::connect(map, &WebMapView::pageReset, controller, &TrakkoAppDelegate::pageReset);
+  QObject::connect(map, &WebMapView::gaveUp, controller, [controller] {
+    controller->statusLine->setText(
+        QStringLiteral("地図を表示できません。プログラムを再起動して下さい。"));
+  });
 }
 
 void raiseWindow(MainWindow* window) {

@@ -26,6 +26,7 @@ using namespace std::chrono_literals;
 constexpr qsizetype longestDirectPage = 600'000;
 constexpr auto restlessTime = 10s;
 constexpr auto pauseOfRestless = 5s;
+constexpr int mostLosses = 5;           // of a page that does not come up in between
 constexpr int cacheSize = 100'000'000;  // bytes
 
 std::unique_ptr<QWebEngineProfile> makeProfile(const QString& cacheFolder) {
@@ -81,6 +82,9 @@ WebMapView::WebMapView(const std::shared_ptr<Dialogs>& dialogs, const MapSetting
   connect(page_.get(), &MapWebPage::titleChanged, this, [this](const QString& title) {
     // The engine makes up the title of a page that has not set its own yet.
     if (title != page_->url().toString() && !title.startsWith(u"data:")) {
+      if (title == u"Map Load OK") {
+        losses_ = 0;
+      }
       Q_EMIT titleReceived(title);
     }
   });
@@ -97,6 +101,7 @@ WebMapView::~WebMapView() {
 void WebMapView::loadPage(const QString& html, const QUrl& baseUrl) {
   html_ = html;
   baseUrl_ = baseUrl;
+  losses_ = 0;
   load();
 }
 
@@ -124,9 +129,15 @@ void WebMapView::load() {
 }
 
 void WebMapView::comeBack() {
-  qCWarning(lcWebMap, "The map's process has ended; the page is loaded again");
   calls_.reset();
   Q_EMIT pageReset();
+  if (++losses_ >= mostLosses) {
+    qCWarning(lcWebMap, "The map's process keeps ending; the page is given up");
+    reloading_.stop();
+    Q_EMIT gaveUp();
+    return;
+  }
+  qCWarning(lcWebMap, "The map's process has ended; the page is loaded again");
   // A page that keeps dying must not keep the machine busy.
   const bool restless =
       lastLoss_.isValid() && !lastLoss_.hasExpired(std::chrono::milliseconds(restlessTime).count());

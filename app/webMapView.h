@@ -48,8 +48,10 @@ class WebMapView : public QWebEngineView, public MapView {
  Q_SIGNALS:
   /// The page set its title.
   void titleReceived(const QString& title);
-  /// The page was lost and is being loaded again.
+  /// The page was lost and is being loaded again, unless gaveUp() follows.
   void pageReset();
+  /// The page was lost again and again without coming up; only loadPage() brings one back.
+  void gaveUp();
 
  private:
   void load();
@@ -60,6 +62,7 @@ class WebMapView : public QWebEngineView, public MapView {
   std::unique_ptr<QTemporaryFile> pageFile_;
   QElapsedTimer lastLoss_;
   QTimer reloading_;
+  int losses_ = 0;  ///< Since the page last came up.
   // Each of these uses the ones above it to its very end.
   std::unique_ptr<MapRequestInterceptor> interceptor_;
   std::unique_ptr<MapSchemeHandler> handler_;

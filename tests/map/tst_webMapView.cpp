@@ -136,6 +136,18 @@ class WebMapViewTest : public MapTest {
     QVERIFY(becomes("!!bermudaTriangle"));
   }
 
+  void givesUpAPageThatKeepsDying() {
+    const QSignalSpy lost(view.get(), &WebMapView::gaveUp);
+    QVERIFY(loadBody({}));
+    for (int i = 0; i < 5; ++i) {
+      QCOMPARE(lost.size(), 0);
+      Q_EMIT view->page()->renderProcessTerminated(QWebEnginePage::CrashedTerminationStatus, 1);
+    }
+    QVERIFY(loadGoogle());  // a new page begins anew
+    Q_EMIT view->page()->renderProcessTerminated(QWebEnginePage::CrashedTerminationStatus, 1);
+    QCOMPARE(lost.size(), 1);
+  }
+
  private:
   bool loadBody(const QString& body) {
     return load("<base href='" + imageFolder +
