@@ -76,7 +76,7 @@ class WebMapViewTest : public MapTest {
     stranger.files["/x.js"] = "take('script')";
     const auto with = [&](QString text) { return text.replace("HOST", stranger.address()); };
     QVERIFY(
-        loadBody(with("<form action='2.png'></form><img src='2.png'><img "
+        loadBody(with("<form action='trakko-map:/script'></form><img src='2.png'><img "
                       "src='file:///usr/share/pixmaps/debian-logo.png'>"
                       "<img src='../bundledMap.js'><iframe src='HOST/frame'></iframe>"
                       "<script src='HOST/x.js'></script>")));
