@@ -1,132 +1,85 @@
-#include "data/bundle.h"
+#include "storeFolder.h"
 
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
-
-using namespace Qt::StringLiterals;
 
 class BundleTest : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
-  static void databaseBesideTheBundle_data();
-  static void databaseBesideTheBundle();
-  static void information_data();
-  static void information();
-  static void pathAsStarted_data();
-  static void pathAsStarted();
+  static void databaseBesideTheBundle() {
+    const QList<std::pair<QString, QString>> rows{
+        {"/home/\u8d70\u8005/Trakko.app", "/home/\u8d70\u8005/gpsData.db3"},
+        {"/Trakko.app", "/gpsData.db3"},
+        {"/a/My Trakko.app", "/a/My gpsData.db3"},
+        {"/a/b/c/T.app", "/agpsData.db3"},
+        {"/T.app", {}}};
+    for (const auto& [path, database] : rows) {
+      const Bundle bundle{.path = path, .name = "Trakko"};
+      QCOMPARE(databasePath(bundle), database);
+      QCOMPARE(folderBeside(bundle).isNull(), database.isNull());
+    }
+  }
+
+  static void information() {
+    const QList<std::pair<QByteArray, QString>> rows{
+        {"<key>CFBundleVersion</key><string>1</string>"
+         "<key>CFBundleName</key>\n <string>A &amp; B</string>",
+         "A & B"},
+        {"<key>Inner</key><dict><key>CFBundleName</key><string>no</string></dict>"
+         "<key>Yes</key><true/><key>List</key><array><string>no</string></array>"
+         "<key>CFBundleName</key><string>Outer</string>",
+         "Outer"},
+        {"<key>CFBundleName</key><true/>", "Trakko"},
+        {"<key>CFBundleName</key><string/>", "Trakko"},
+        {QByteArray("\0\xff<", 3), "Trakko"}};
+    const QTemporaryDir folder;
+    const QString program = folder.filePath("Any.app/Contents/Trakko");
+    QCOMPARE(bundleOfProgram(program).name, "Trakko");
+    QVERIFY(QDir(folder.path()).mkpath("Any.app/Contents"));
+    for (const auto& [dictionary, name] : rows) {
+      writeBytes(folder.filePath("Any.app/Contents/Info.plist"),
+                 "<?xml version=\"1.0\"?><!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                 "\"http://nowhere.invalid/p.dtd\"><plist version=\"1.0\"><dict>" +
+                     dictionary + "</dict></plist>");
+      QCOMPARE(bundleOfProgram(program).name, name);
+      QCOMPARE(bundleOfProgram(program).path, folder.filePath("Any.app"));
+    }
+  }
+
+  static void pathAsStarted() {
+    const QTemporaryDir temporary;
+    const QString folder = QFileInfo(temporary.path()).canonicalFilePath();
+    const QString installed = folder + "/opt/Trakko.app/Contents/Trakko";
+    const QString linked = folder + "/user/Trakko.app/Contents/Trakko";
+    for (const char* path : {"opt/Trakko.app/Contents", "user", "bin"}) {
+      QVERIFY(QDir(folder).mkpath(path));
+    }
+    writeBytes(folder + "/opt/Trakko.app/Contents/Info.plist", "<plist/>");
+    QVERIFY(QFile::copy("/proc/self/exe", installed));
+    QVERIFY(QFile::link(folder + "/opt/Trakko.app", folder + "/user/Trakko.app"));
+    QVERIFY(QFile::link("../user/Trakko.app/Contents/Trakko", folder + "/bin/trakko"));
+    qputenv("TRAKKO_TELL_PATH", "1");
+    qputenv("PATH", folder.toLocal8Bit() + "/bin:" + qgetenv("PATH"));
+
+    const QList<std::pair<QString, QString>> rows{
+        {"$F/user/Trakko.app/Contents/Trakko", linked},
+        {"cd $F/user/Trakko.app && ./Contents/Trakko", linked},
+        {"cd $F/user && ../opt/Trakko.app/Contents/Trakko", installed},
+        {"cd $F && PWD=/tmp opt/Trakko.app/Contents/Trakko", installed},
+        {"$F/bin/trakko", linked},
+        {"trakko", linked},
+        {"exec -a /bin/sh trakko", installed}};
+    for (const auto& [command, found] : rows) {
+      QProcess shell;
+      shell.start("bash", {"-c", "F='" + folder + "'; " + command});
+      QVERIFY(shell.waitForFinished());
+      QCOMPARE(command + " " + shell.readAllStandardOutput(), command + " " + found);
+    }
+  }
 };
 
-namespace {
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-  QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-  QFile file(path);
-  QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-}
-
-}  // namespace
-
-void BundleTest::databaseBesideTheBundle_data() {
-  QTest::addColumn<QString>("path");
-  QTest::addColumn<QString>("name");
-  QTest::addColumn<QString>("database");
-  QTest::newRow("usual") << u"/home/\u8d70\u8005/Trakko.app"_s << u"Trakko"_s
-                         << u"/home/\u8d70\u8005/gpsData.db3"_s;
-  QTest::newRow("root") << u"/Trakko.app"_s << u"Trakko"_s << u"/gpsData.db3"_s;
-  QTest::newRow("longer name") << u"/a/My Trakko.app"_s << u"Trakko"_s << u"/a/My gpsData.db3"_s;
-  QTest::newRow("shorter name") << u"/a/b/c/T.app"_s << u"Trakko"_s << u"/agpsData.db3"_s;
-  QTest::newRow("too short") << u"/T.app"_s << u"Trakko"_s << QString();
-}
-
-void BundleTest::databaseBesideTheBundle() {
-  QFETCH(const QString, path);
-  QFETCH(const QString, name);
-  const Bundle bundle{.path = path, .name = name};
-  QTEST(databasePath(bundle), "database");
-  QCOMPARE(folderBeside(bundle).isNull(), databasePath(bundle).isNull());
-}
-
-void BundleTest::information_data() {
-  QTest::addColumn<QByteArray>("file");
-  QTest::addColumn<QString>("name");
-  const QByteArray start =
-      R"(<?xml version="1.0" encoding="UTF-8"?>)"
-      R"(<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://nowhere.invalid/p.dtd">)"
-      R"(<plist version="1.0">)";
-  QTest::newRow("name") << start +
-                               "<dict><key>CFBundleVersion</key><string>1</string>"
-                               "<key>CFBundleName</key>\n <string>A &amp; B</string></dict></plist>"
-                        << u"A & B"_s;
-  QTest::newRow("other kinds and levels before it")
-      << start +
-             "<dict><key>Inner</key><dict><key>CFBundleName</key><string>no</string></dict>"
-             "<key>Yes</key><true/><key>List</key><array><string>no</string></array>"
-             "<key>CFBundleName</key><string>Outer</string></dict></plist>"
-      << u"Outer"_s;
-  QTest::newRow("not a text") << start + "<dict><key>CFBundleName</key><true/></dict></plist>"
-                              << u"Trakko"_s;
-  QTest::newRow("empty") << start + "<dict><key>CFBundleName</key><string/></dict></plist>"
-                         << u"Trakko"_s;
-  QTest::newRow("no list") << start + "<array/></plist>" << u"Trakko"_s;
-  QTest::newRow("broken") << QByteArray("\0\xff<", 3) << u"Trakko"_s;
-  QTest::newRow("none") << QByteArray() << u"Trakko"_s;
-}
-
-void BundleTest::information() {
-  QFETCH(const QByteArray, file);
-  const QTemporaryDir folder;
-  if (!file.isEmpty()) {
-    writeFile(folder.filePath("Any.app/Contents/Info.plist"), file);
-  }
-  const Bundle bundle = bundleOfProgram(folder.filePath("Any.app/Contents/Trakko"));
-  QCOMPARE(bundle.path, folder.filePath("Any.app"));
-  QTEST(bundle.name, "name");
-}
-
-void BundleTest::pathAsStarted_data() {
-  QTest::addColumn<QString>("directory");  // where it is started from, below the folder
-  QTest::addColumn<QString>("program");    // and by which name; "/" stands for the folder
-  QTest::addColumn<QString>("found");      // below the folder
-  const QString installed = u"opt/Trakko.app/Contents/Trakko"_s;
-  const QString linked = u"user/Trakko.app/Contents/Trakko"_s;
-  QTest::newRow("bundle") << u""_s << u"/opt/Trakko.app/Contents/Trakko"_s << installed;
-  QTest::newRow("linked bundle") << u""_s << u"/user/Trakko.app/Contents/Trakko"_s << linked;
-  QTest::newRow("inside the link") << u"user/Trakko.app"_s << u"./Contents/Trakko"_s << linked;
-  QTest::newRow("upwards") << u"user"_s << u"../opt/Trakko.app/Contents/Trakko"_s << installed;
-  QTest::newRow("link to the program") << u""_s << u"/bin/trakko"_s << linked;
-  QTest::newRow("found by name") << u""_s << u"trakko"_s << linked;
-  QTest::newRow("another's name") << u""_s << u"exec -a /bin/sh trakko"_s << installed;
-}
-
-void BundleTest::pathAsStarted() {
-  QFETCH(const QString, directory);
-  QFETCH(QString, program);
-  QFETCH(const QString, found);
-  const QTemporaryDir temporary;
-  const QString folder = QFileInfo(temporary.path()).canonicalFilePath();
-  const QString real = folder + "/opt/Trakko.app/Contents/Trakko";
-  writeFile(folder + "/opt/Trakko.app/Contents/Info.plist", "<plist/>");
-  QVERIFY(QFile::copy("/proc/self/exe", real));
-  QVERIFY(QDir(folder).mkpath("user") && QDir(folder).mkpath("bin"));
-  QVERIFY(QFile::link(folder + "/opt/Trakko.app", folder + "/user/Trakko.app"));
-  QVERIFY(QFile::link("../user/Trakko.app/Contents/Trakko", folder + "/bin/trakko"));
-
-  if (program.startsWith(u'/')) {
-    program.prepend(folder);
-  }
-  QProcess shell;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("PATH", folder + "/bin:" + environment.value("PATH"));
-  environment.insert("TRAKKO_TELL_PATH", "1");
-  shell.setProcessEnvironment(environment);
-  shell.start("bash", {"-c", "cd '" + folder + "/" + directory + "' && " + program});
-  QVERIFY(shell.waitForFinished());
-  QCOMPARE(QString::fromUtf8(shell.readAllStandardOutput()), folder + "/" + found);
-}
-
-// Started by the tests above under all sorts of names, it only tells its path.
+// Started by the test above under all sorts of names, it only tells its path.
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsSet("TRAKKO_TELL_PATH")) {
     fputs(qPrintable(programPath(QString::fromLocal8Bit(argv[0]))), stdout);
