@@ -3,19 +3,16 @@
 // shell; "net_ratio" leaves out the shell's start as a process.
 
 #include "app/DFView.h"
+#include "bench/sqliteShell.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
 #include "data/text.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QLoggingCategory>
 #include <QPixmap>
-#include <QProcess>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <chrono>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -77,41 +74,10 @@ QByteArray questions() {
   return script;
 }
 
-QString writeScript(const Folder& folder, const QString& name, const QByteArray& script) {
-  QFile file(folder.file(name));
-  if (!file.open(QIODevice::WriteOnly) || file.write(script) != script.size()) {
-    qFatal("cannot write a script");
-  }
-  return file.fileName();
-}
-
-void runShell(const QString& database, const QString& script) {
-  QProcess shell;
-  shell.setStandardInputFile(script);
-  shell.setStandardOutputFile(QProcess::nullDevice());
-  shell.start(u"sqlite3"_s, {database});
-  if (!shell.waitForFinished() || shell.exitCode() != 0) {
-    qFatal("sqlite3 failed");
-  }
-}
-
-template <typename Work>
-double seconds(Work&& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 void drawMonth(benchmark::State& state) {
   const Folder folder(state.range(0));
-  const QString ask = writeScript(folder, u"ask.sql"_s, questions());
-  const QString nothing = writeScript(folder, u"nothing.sql"_s, "select 1;\n");
+  const QString ask = writeScript(folder.file(u"ask.sql"_s), questions());
+  const QString nothing = writeScript(folder.file(u"nothing.sql"_s), "select 1;\n");
   const QString database = folder.file(u"gpsData.db3"_s);
   DFView view;
   view.resize(view.sizeHint());

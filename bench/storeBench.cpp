@@ -2,19 +2,14 @@
 // two in turn and compared by their medians. "ratio" above 1 means faster than the shell. The
 // shell's time includes its start as a process, which "shell_start_ms" gives by itself.
 
+#include "bench/sqliteShell.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
 
 #include <QFile>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <chrono>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -27,60 +22,18 @@ struct Folder {
   QString database = databasePath(bundle);
 
   Folder() { setMainBundle(bundle); }
+  QString file(const char* name) const { return directory.filePath(QLatin1StringView(name)); }
   void startAnew() const {
     QFile::remove(database);
     const dataControl tables;
   }
 };
 
-/// Lets the shell work off the script, its output thrown away.
-void runShell(const QString& database, const QString& script) {
-  const QByteArray file = QFile::encodeName(database);
-  const QByteArray input = QFile::encodeName(script);
-  std::array<char, 8> program{"sqlite3"};
-  std::vector<char> path(file.cbegin(), file.cend() + 1);
-  const std::array<char*, 3> arguments{program.data(), path.data(), nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, input.constData(), O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-  pid_t child = 0;
-  int status = -1;
-  if (posix_spawnp(&child, program.data(), &actions, nullptr, arguments.data(), environ) == 0) {
-    waitpid(child, &status, 0);
-  }
-  posix_spawn_file_actions_destroy(&actions);
-  if (status != 0) {
-    qFatal("sqlite3 failed");
-  }
-}
-
-QString writeScript(const Folder& folder, const char* name, const QByteArray& text) {
-  QFile file(folder.directory.filePath(QLatin1StringView(name)));
-  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-    qFatal("cannot write a script");
-  }
-  return file.fileName();
-}
-
-template <typename Work>
-double seconds(Work&& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 /// Runs both in turn, `prepare` before each of them, and reports the medians.
 template <typename Prepare, typename Ours, typename Shell>
 void compare(benchmark::State& state, const Folder& folder, double rows, Prepare&& prepare,
              Ours&& ours, Shell&& shell) {
-  const QString nothing = writeScript(folder, "nothing.sql", "select 1;\n");
+  const QString nothing = writeScript(folder.file("nothing.sql"), "select 1;\n");
   std::vector<double> ourTimes;
   std::vector<double> shellTimes;
   std::vector<double> startTimes;
@@ -90,8 +43,7 @@ void compare(benchmark::State& state, const Folder& folder, double rows, Prepare
     prepare();
     ourTimes.push_back(seconds(ours));
     state.SetIterationTime(ourTimes.back());
-    startTimes.push_back(
-        seconds([&] { runShell(folder.directory.filePath(QStringLiteral("none")), nothing); }));
+    startTimes.push_back(seconds([&] { runShell(folder.file("none"), nothing); }));
   }
   state.counters["rows_per_s"] = rows / median(ourTimes);
   state.counters["shell_rows_per_s"] = rows / median(shellTimes);
@@ -150,7 +102,7 @@ struct Batch {
 void store(benchmark::State& state) {
   const Folder folder;
   const Batch batch(state.range(0));
-  const QString script = writeScript(folder, "store.sql", batch.script());
+  const QString script = writeScript(folder.file("store.sql"), batch.script());
   compare(
       state, folder, static_cast<double>(state.range(0) + 1), [&] { folder.startAnew(); },
       [&] {
@@ -172,7 +124,7 @@ void fill(const Folder& folder, qint64 runs, qint64 points) {
       QByteArray::number(points) + ") ";
   runShell(
       folder.database,
-      writeScript(folder, "fill.sql",
+      writeScript(folder.file("fill.sql"),
                   counting + "insert into T_TrackPointData select null,time(j,'unixepoch'),"
                              "'139\u00b0'||(j%60)||'.1756','E','35\u00b0'||(j%60)||'.2345','N',"
                              "printf('139.%06d',j),printf('35.%06d',j),500+j%60,700+j%60,40+j%60,"
@@ -185,7 +137,7 @@ void read(benchmark::State& state) {
   fill(folder, state.range(0), points);
   const auto number = static_cast<qint32>((state.range(0) + 1) / 2);
   const QString script =
-      writeScript(folder, "read.sql",
+      writeScript(folder.file("read.sql"),
                   "Select * From T_TrackPointData Where T_Cnumber=" + QByteArray::number(number) +
                       " order by T_SetId Asc;\n");
   PointDictionary answer;
