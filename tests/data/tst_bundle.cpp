@@ -66,7 +66,7 @@ class BundleTest : public QObject {
         {"$F/user/Trakko.app/Contents/Trakko", linked},
         {"cd $F/user/Trakko.app && ./Contents/Trakko", linked},
         {"cd $F/user && ../opt/Trakko.app/Contents/Trakko", installed},
-        {"cd $F && PWD=/tmp opt/Trakko.app/Contents/Trakko", installed},
+        {"cd $F/user && PWD=/tmp Trakko.app/Contents/Trakko", linked},
         {"$F/bin/trakko", linked},
         {"trakko", linked},
         {"exec -a /bin/sh trakko", installed}};

@@ -64,10 +64,10 @@ class StoreFailuresTest : public QObject {
     for (const char* path : {"/nowhere/at/all/Trakko.app", "app"}) {
       setMainBundle({.path = path, .name = "Trakko"});
       dataControl data;
+      QCOMPARE(data.db == nullptr, *path == 'a');
       QCOMPARE(oneRun().store(data), -1);
       QCOMPARE(data.deleteOneData(1), -1);
       QCOMPARE(data.deleteAllData(), -1);
-      QCOMPARE(data.db, nullptr);
     }
   }
 
