@@ -1,8 +1,8 @@
 #include "app/DFView.h"
 
 #include "app/calendarMonth.h"
+#include "base/text.h"
 #include "data/dataControl.h"
-#include "data/text.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>

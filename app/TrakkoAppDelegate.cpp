@@ -1,7 +1,7 @@
 #include "app/TrakkoAppDelegate.h"
 
-#include "app/mainQueue.h"
-#include "device/detachThread.h"
+#include "base/detachThread.h"
+#include "base/mainQueue.h"
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -81,7 +81,7 @@ void TrakkoAppDelegate::startRefreshOfNewData() {
 void TrakkoAppDelegate::refreshData(int generation) {
   setViewData(QStringLiteral("All"), QStringLiteral(""));
   if (getNewData == 1) {
-    mainQueue.post([this, generation] {
+    mainQueue::post([this, generation] {
       if (generation == newestRefresh) {
         displayMap();
         getNewData = 0;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/dialogs.h"
 #include "app/tableModel.h"
 #include "app/tableRows.h"
 #include "data/databaseFile.h"
 #include "data/records.h"
-#include "device/dialogs.h"
 #include "device/usbOperating.h"
 #include "map/mapPages.h"
 #include "map/trackOverlay.h"

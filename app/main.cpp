@@ -3,9 +3,9 @@
 #include "app/messageBoxes.h"
 #include "app/singleInstance.h"
 #include "app/startUpCheck.h"
-#include "app/webMapView.h"
 #include "data/bundle.h"
 #include "device/udevRegistry.h"
+#include "web/webMapView.h"
 
 #include <QApplication>
 #include <QFile>
@@ -23,7 +23,7 @@ ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
   ControllerContext context;
   context.dialogs = dialogs;
   context.device.registry = std::make_shared<UdevRegistry>();
-  context.device.dialogs = dialogs;
+  context.device.messenger = dialogs;
   context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
   return context;
 }

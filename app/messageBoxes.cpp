@@ -1,6 +1,6 @@
 #include "app/messageBoxes.h"
 
-#include "app/mainQueue.h"
+#include "base/mainQueue.h"
 
 #include <QDir>
 #include <QEventLoop>

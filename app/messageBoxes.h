@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/dialogs.h"
+#include "app/dialogs.h"
 
 #include <QPointer>
 #include <QWidget>

@@ -1,6 +1,6 @@
 #include "app/tableRows.h"
 
-#include "data/text.h"
+#include "base/text.h"
 
 #include <cmath>
 

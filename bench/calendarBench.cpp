@@ -3,10 +3,10 @@
 // shell; "net_ratio" leaves out the shell's start as a process.
 
 #include "app/DFView.h"
+#include "base/text.h"
 #include "bench/sqliteShell.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
-#include "data/text.h"
 
 #include <QApplication>
 #include <QLoggingCategory>

@@ -3,10 +3,10 @@
 //
 //   download_soak [COUNT]   10000 without a number
 
+#include "base/detachThread.h"
+#include "base/messenger.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
-#include "device/detachThread.h"
-#include "device/dialogs.h"
 #include "device/usbOperating.h"
 #include "tests/device/fakeRegistry.h"
 #include "tools/watchsim/emulatedWatch.h"

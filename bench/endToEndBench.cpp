@@ -3,12 +3,13 @@
 
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
-#include "app/mapView.h"
+#include "app/dialogs.h"
+#include "base/detachThread.h"
 #include "data/bundle.h"
-#include "device/detachThread.h"
 #include "device/usbRegistry.h"
 #include "tools/watchsim/emulatedWatch.h"
 #include "tools/watchsim/watchMemory.h"
+#include "web/mapView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

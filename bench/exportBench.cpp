@@ -1,6 +1,6 @@
 // How fast a run becomes a TCX or GPX file, beside gpsbabel rewriting the same number of points.
 
-#include "data/text.h"
+#include "base/text.h"
 #include "export/fileWriter.h"
 #include "export/gpxWriter.h"
 #include "export/tcxWriter.h"

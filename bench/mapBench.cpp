@@ -1,11 +1,11 @@
 // From a run's points to its track on the map: the page's expression beside a bare append of the
 // same numbers, and the way from a click to the painted track in the real engine.
 
-#include "app/webMapView.h"
-#include "data/text.h"
-#include "device/dialogs.h"
+#include "base/messenger.h"
+#include "base/text.h"
 #include "map/mapPages.h"
 #include "map/trackOverlay.h"
+#include "web/webMapView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -23,11 +23,8 @@ using namespace Qt::StringLiterals;
 
 constexpr qint64 number = 7;
 
-struct Silence : Dialogs {
+struct Silence : Messenger {
   void message(const QString& /*text*/) override {}
-  bool confirmErase(const QString& /*text*/) override { return false; }
-  QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
-  QString fileToOpen(const QString&, const QString&) override { return {}; }
 };
 
 /// A point a second on a winding way, with a pause every half an hour.

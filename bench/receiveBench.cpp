@@ -1,7 +1,7 @@
 // Blocks per second through a pseudo-terminal: the receive thread beside a bare loop of read(36).
 // The watch's line carries 320 a second.
 
-#include "device/dialogs.h"
+#include "base/messenger.h"
 #include "device/serialPort.h"
 #include "device/usbOperating.h"
 #include "tests/device/fakeRegistry.h"

@@ -3,7 +3,7 @@
 
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
-#include "data/text.h"
+#include "base/text.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

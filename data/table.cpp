@@ -1,7 +1,7 @@
 #include "data/table.h"
 
+#include "base/text.h"
 #include "data/connection.h"
-#include "data/text.h"
 
 #include <QVarLengthArray>
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include <QString>
 #include <memory>
 
-class Dialogs;
+class Messenger;
 class UsbRegistry;
 
 /// Why a command had no port to talk through. What the last search and opening of an object saw.
@@ -31,7 +31,7 @@ struct WatchSession {
 /// What the device link needs of its surroundings; every object keeps a copy.
 struct DeviceEnvironment {
   std::shared_ptr<UsbRegistry> registry;  ///< USB devices and serial ports; required.
-  std::shared_ptr<Dialogs> dialogs;       ///< Shows the alerts; without it they are only logged.
+  std::shared_ptr<Messenger> messenger;   ///< Shows the alerts; without it they are only logged.
   double answerLimit = 5.0;               ///< Limit of one wait for a block, in seconds.
   QString lastDownloadPath;  ///< File that keeps the lines of the last download; empty: none.
 };

@@ -1,6 +1,6 @@
 #include "device/pointDecoder.h"
 
-#include "data/text.h"
+#include "base/text.h"
 #include "device/textBuilder.h"
 
 namespace {

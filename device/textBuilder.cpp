@@ -1,6 +1,6 @@
 #include "device/textBuilder.h"
 
-#include "data/text.h"
+#include "base/text.h"
 
 #include <array>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "device/usbOperating.h"
 
-#include "device/dialogs.h"
+#include "base/messenger.h"
 
 #include <QLoggingCategory>
 #include <thread>
@@ -51,8 +51,8 @@ void usbOperating::setCUSB() {
 void usbOperating::alertUSB(const QString& message) {
   alert = WatchAlert{QStringLiteral("Morvel GPS"), QStringLiteral("OK"), message};
   qCInfo(lcDevice, "%s", qUtf8Printable(message));
-  if (environment_.dialogs) {
-    environment_.dialogs->message(message);
+  if (environment_.messenger) {
+    environment_.messenger->message(message);
   }
 }
 

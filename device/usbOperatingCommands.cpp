@@ -1,6 +1,6 @@
 // The conversation: commands, waits, result codes.
 
-#include "device/detachThread.h"
+#include "base/detachThread.h"
 #include "device/lastDownload.h"
 #include "device/receiveMode.h"
 #include "device/serialPort.h"

@@ -1,6 +1,6 @@
 // The watch's identity block.
 
-#include "data/text.h"
+#include "base/text.h"
 #include "device/downloadDecoder.h"
 #include "device/usbOperating.h"
 

@@ -1,6 +1,6 @@
 // Finding the watch, opening and closing its port.
 
-#include "device/detachThread.h"
+#include "base/detachThread.h"
 #include "device/detectionState.h"
 #include "device/serialPort.h"
 #include "device/usbOperating.h"

@@ -1,6 +1,6 @@
 #include "export/gpxWriter.h"
 
-#include "data/text.h"
+#include "base/text.h"
 #include "export/pointTime.h"
 #include "export/recordOrder.h"
 #include "export/xmlDocument.h"

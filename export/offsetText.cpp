@@ -1,6 +1,6 @@
 #include "export/offsetText.h"
 
-#include "data/text.h"
+#include "base/text.h"
 
 QString offsetText(int seconds) {
   // Integer division truncates towards zero, so UTC-3:30 counts as -3 hours. The two characters

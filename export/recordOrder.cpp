@@ -1,6 +1,6 @@
 #include "export/recordOrder.h"
 
-#include "data/text.h"
+#include "base/text.h"
 
 #include <algorithm>
 

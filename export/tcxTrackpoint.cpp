@@ -1,6 +1,6 @@
 #include "export/tcxTrackpoint.h"
 
-#include "data/text.h"
+#include "base/text.h"
 #include "export/xmlDocument.h"
 #include "export/xmlNamespaces.h"
 

@@ -1,6 +1,6 @@
 #include "export/xmlDocument.h"
 
-#include "data/text.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <numeric>

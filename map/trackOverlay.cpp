@@ -1,8 +1,8 @@
 #include "map/trackOverlay.h"
 
-#include "data/text.h"
+#include "base/text.h"
+#include "base/trackTime.h"
 #include "map/chinaShift.h"
-#include "map/trackTime.h"
 
 #include <QLoggingCategory>
 #include <algorithm>

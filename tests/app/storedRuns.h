@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/text.h"
 #include "data/dataControl.h"
-#include "data/text.h"
 #include "device/downloadDecoder.h"
 
 #include <QTest>

@@ -1,7 +1,7 @@
-#include "app/mainQueue.h"
 #include "app/startUpCheck.h"
+#include "base/mainQueue.h"
+#include "base/text.h"
 #include "data/dataControl.h"
-#include "data/text.h"
 #include "device/downloadDecoder.h"
 #include "storedRuns.h"
 #include "windowFixture.h"
@@ -129,7 +129,7 @@ void TestController::onlyTheNewestRefreshDraws() {
   fixture.map.calls.clear();
   fixture.dialogs->eraseAnswer = true;
   fixture.controller->deleteOneData();
-  mainQueue.post([&] {
+  mainQueue::post([&] {
     QTest::qWait(100);  // the first refresh ends while a question of the download stands
     fixture.controller->deleteOneData();
   });
@@ -274,13 +274,13 @@ void TestController::exportsThatOfferNothing() {
 
 void TestController::blocksWaitForTheirTurn() {
   QStringList order;
-  mainQueue.post([&order] {
+  mainQueue::post([&order] {
     order << "question";
     performOnMainThread([&order] { order << "message"; });
     QTest::qWait(50);  // a modal box: the event loop runs inside the block
     order << "answer";
   });
-  mainQueue.post([&order] { order << "refresh"; });
+  mainQueue::post([&order] { order << "refresh"; });
   QTRY_COMPARE(order, QStringList({"question", "message", "answer", "refresh"}));
 }
 

@@ -1,5 +1,5 @@
-#include "app/mainQueue.h"
 #include "app/messageBoxes.h"
+#include "base/mainQueue.h"
 #include "data/dataControl.h"
 #include "tools/watchsim/emulatedWatch.h"
 #include "tools/watchsim/watchMemory.h"
@@ -146,7 +146,7 @@ void TestDownload::aQuestionWaitsForTheMessage() {
     }
   });
   clicks.start(10);
-  mainQueue.post([&] { boxes.confirmErase("question"); });
+  mainQueue::post([&] { boxes.confirmErase("question"); });
   QTRY_COMPARE(shown, (QStringList{"message", "question"}));
 }
 

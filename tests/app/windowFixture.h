@@ -2,10 +2,10 @@
 
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
-#include "app/mapView.h"
+#include "base/detachThread.h"
 #include "data/bundle.h"
-#include "device/detachThread.h"
 #include "device/usbRegistry.h"
+#include "web/mapView.h"
 
 #include <QDir>
 #include <QFile>
@@ -110,7 +110,7 @@ struct WindowFixture {
     setMainBundle({folder.path() + QStringLiteral("/Trakko.app"), QStringLiteral("Trakko")});
     ControllerContext context;
     context.dialogs = dialogs;
-    context.device.dialogs = dialogs;
+    context.device.messenger = dialogs;
     context.device.registry = registry;
     context.device.answerLimit = 0.5;
     context.device.lastDownloadPath = file(QStringLiteral("lastDownload.txt"));

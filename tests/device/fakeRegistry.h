@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/dialogs.h"
+#include "base/messenger.h"
 #include "device/usbRegistry.h"
 
 #include <QHash>
@@ -47,15 +47,12 @@ class FakeRegistry : public UsbRegistry {
 };
 
 /// Takes down what the user would be told.
-class RecordedDialogs : public Dialogs {
+class RecordedMessages : public Messenger {
  public:
   void message(const QString& text) override {
     const std::lock_guard lock(mutex_);
     messages_.append(text);
   }
-  bool confirmErase(const QString& /*text*/) override { return false; }
-  QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
-  QString fileToOpen(const QString&, const QString&) override { return {}; }
 
   QStringList take() {
     const std::lock_guard lock(mutex_);

@@ -127,20 +127,20 @@ class tst_agps : public QObject {
     qputenv("TRAKKO_AGPS_HOST", server.host().toLatin1());
     EmulatedWatch watch({});
     QVERIFY(watch.start().isNull());
-    const auto dialogs = std::make_shared<RecordedDialogs>();
+    const auto messages = std::make_shared<RecordedMessages>();
     const auto registry = std::make_shared<FakeRegistry>();
-    const auto usb = usbOperating::create({registry, dialogs, 0.6, {}});
+    const auto usb = usbOperating::create({registry, messages, 0.6, {}});
 
     usb->downLoad();
     QVERIFY(server.request.startsWith("GET /current_14d.alp HTTP/1.1\r\n"));
-    QCOMPARE(dialogs->take(), QStringList{notRecognised});
+    QCOMPARE(messages->take(), QStringList{notRecognised});
 
     // With a port, the command arrives; nothing counts as its answer.
     registry->plugWatch(watch.path());
     usb->findDevice(60000);
     usb->downLoad();
     QCOMPARE(usb->alpBuffStr, agps::packets(file));
-    QCOMPARE(dialogs->take(), QStringList{noData});
+    QCOMPARE(messages->take(), QStringList{noData});
 
     // Nothing came, or no server is known: nothing is done or said.
     server.answer = httpAnswer("200 OK", "");
@@ -148,12 +148,12 @@ class tst_agps : public QObject {
     qunsetenv("TRAKKO_AGPS_HOST");
     usb->downLoad();
     QCOMPARE(usb->agpsData, file);
-    QCOMPARE(dialogs->take(), QStringList());
+    QCOMPARE(messages->take(), QStringList());
     usb->closeMyDevice();
 
     // A link leaves a closed port behind, so the announcement after it goes nowhere.
     usb->sendAgpsData();
-    QCOMPARE(dialogs->take(), QStringList{noData});
+    QCOMPARE(messages->take(), QStringList{noData});
     QCOMPARE(watch.commands(), (QStringList{"agps", "link"}));
   }
 };

@@ -1,6 +1,6 @@
+#include "base/detachThread.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
-#include "device/detachThread.h"
 #include "device/lastDownload.h"
 #include "device/serialPort.h"
 #include "device/usbOperating.h"

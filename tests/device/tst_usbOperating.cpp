@@ -1,6 +1,6 @@
+#include "base/detachThread.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
-#include "device/detachThread.h"
 #include "device/lastDownload.h"
 #include "device/usbOperating.h"
 #include "fakeRegistry.h"
@@ -42,7 +42,7 @@ class tst_usbOperating : public QObject {
   using Session = std::shared_ptr<WatchSession>;
 
   std::shared_ptr<FakeRegistry> registry_;
-  std::shared_ptr<RecordedDialogs> dialogs_;
+  std::shared_ptr<RecordedMessages> messages_;
   std::optional<QTemporaryDir> folder_;
   std::optional<PseudoTerminal> line_;  // plugged until an emulated watch is
 
@@ -52,7 +52,7 @@ class tst_usbOperating : public QObject {
     return file.open(QIODevice::ReadOnly) ? blocksFromLines(file.readAll()) : QList<QByteArray>();
   }
   std::shared_ptr<usbOperating> object(const Session& session = nullptr) {
-    return usbOperating::create({registry_, dialogs_, 1.0, keptFile()}, session);
+    return usbOperating::create({registry_, messages_, 1.0, keptFile()}, session);
   }
   std::unique_ptr<EmulatedWatch> plug(EmulatedWatchOptions options) {
     options.fullSpeed = true;
@@ -74,7 +74,7 @@ class tst_usbOperating : public QObject {
     folder_.emplace();
     setMainBundle({folder_->filePath("Trakko.app"), "Trakko"});
     registry_ = std::make_shared<FakeRegistry>();
-    dialogs_ = std::make_shared<RecordedDialogs>();
+    messages_ = std::make_shared<RecordedMessages>();
     line_.emplace();
     registry_->plugWatch(line_->path);
   }
@@ -107,7 +107,7 @@ class tst_usbOperating : public QObject {
     QCOMPARE(usb->downloadFail.load(), silent);
     QCOMPARE(usb->serialFileDescriptor == -1, !silent);
     QCOMPARE(keptBlocks(), silent || memory.size() <= 2 ? QList<QByteArray>{earlier} : memory);
-    QCOMPARE(dialogs_->take(), QStringList());
+    QCOMPARE(messages_->take(), QStringList());
   }
 
   void downloadsAndErasesAsTheApplicationDoes() {
@@ -148,7 +148,7 @@ class tst_usbOperating : public QObject {
     QCOMPARE(object()->getAllData(), 2);
     QCOMPARE(object()->openSerialPort(watch->path(), 115200),
              "Error: couldn't obtain lock on serial port");
-    QCOMPARE(dialogs_->take(), QStringList{notRecognised});
+    QCOMPARE(messages_->take(), QStringList{notRecognised});
 
     // As if the end marker arrived between the loop's look at downloadDataFinish and the next
     // wait's clearing of getDataOK: that wait runs out.
@@ -161,11 +161,11 @@ class tst_usbOperating : public QObject {
   void linksThatFail() {
     registry_->usb.clear();
     QCOMPARE(object()->linkCommand(), false);
-    QCOMPARE(dialogs_->take(), QStringList{notRecognised});
+    QCOMPARE(messages_->take(), QStringList{notRecognised});
     const auto watch = plug({.answersLink = false});
     const auto usb = object();
     QCOMPARE(usb->linkCommand(), true);
-    QCOMPARE(dialogs_->take(), QStringList{noData});
+    QCOMPARE(messages_->take(), QStringList{noData});
     QVERIFY(usb->serialFileDescriptor >= 0);  // keeps the number of the closed port
     QTRY_VERIFY(!usb->readThreadRunning);
     usb->lostLink();  // nothing is sent
@@ -191,7 +191,7 @@ class tst_usbOperating : public QObject {
     QVERIFY(!usb->readThreadRunning);
     line_->send(unknownBlock);  // the first block goes to the new reader
     QVERIFY(linked.get() && next->getDataOK);
-    QCOMPARE(dialogs_->take(), QStringList());
+    QCOMPARE(messages_->take(), QStringList());
   }
 
   /// A download whose line is gone can never end; it must not keep the next one out.
@@ -231,7 +231,7 @@ class tst_usbOperating : public QObject {
     line_->send(QByteArray(36, '\x33'));
     QTRY_COMPARE(lines(*usb).size(), 2);
     usb->DataFinishCheck();
-    QCOMPARE(dialogs_->take(), QStringList{"データがありません。"});
+    QCOMPARE(messages_->take(), QStringList{"データがありません。"});
     line_->send("\x44");
     QTRY_COMPARE(lines(*usb).size(), 3);
     QCOMPARE(lines(*usb)[0], "01 02" + QString(" 00").repeated(34));

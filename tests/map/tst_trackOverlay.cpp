@@ -1,7 +1,7 @@
+#include "base/trackTime.h"
 #include "map/drawingScripts.h"
 #include "map/framing.h"
 #include "map/trackOverlay.h"
-#include "map/trackTime.h"
 #include "tests/map/trackOf.h"
 
 #include <QRegularExpression>

@@ -1,0 +1,122 @@
+#include "map/mapPages.h"
+#include "web/mapRequestRules.h"
+
+#include <QTest>
+
+namespace {
+
+MapSettings settings(const QString& key = {}) {
+  return {"maps.googleapis.com",
+          key,
+          "maps.google.com",
+          "maps.gstatic.com",
+          "webapi.amap.com",
+          key,
+          "http://127.0.0.1:8080",
+          "https://tile.example.org/{z}/{x}/{y}.png",
+          "https://home.example.org/some/page?q=1"};
+}
+
+/// "no", "yes", or the path under which the program answers.
+QString outcome(const MapSettings& services, const QString& url) {
+  MapRequestRules rules(services);
+  rules.imageFolder = "/opt/走る/png/";
+  const MapRequestDecision decision = rules.decide(QUrl(url));
+  if (decision.kind == MapRequestDecision::Kind::Answer) {
+    return decision.answer.path();
+  }
+  return decision.kind == MapRequestDecision::Kind::Allow ? "yes" : "no";
+}
+
+}  // namespace
+
+class MapRequestsTest : public QObject {
+  Q_OBJECT
+
+ private Q_SLOTS:
+  void requests_data() {
+    QTest::addColumn<QString>("withoutKeys");
+    QTest::addColumn<QString>("withKeys");
+    const auto row = [](const char* url, const QString& withoutKeys, const QString& withKeys) {
+      QTest::newRow(url) << withoutKeys << withKeys;
+    };
+    row("https://maps.googleapis.com/maps/api/js?key=&callback=initMap", "/script", "yes");
+    row("http://maps.google.com/mapfiles/dir_81.png", "/images/arr/dir_81.png", "yes");
+    row("https://maps.gstatic.com/mapfiles/ridefinder-images/mm_20_blue.png", "/images/end.png",
+        "yes");
+    row("https://maps.gstatic.com/mapfiles/ridefinder-images/../secret.png", "no", "yes");
+    row("https://khms0.googleapis.com/kh?v=1", "no", "yes");
+    row("https://googleapis.com.example.org/", "no", "no");
+    row("https://evilgoogleapis.com/", "no", "no");
+    row("ftp://maps.googleapis.com/", "no", "no");
+    row("https://tile.example.org/1/0/0.png", "yes", "no");
+    row("http://tile.example.org/1/0/0.png", "no", "no");
+    row("https://tile.example.org:8443/1/0/0.png", "no", "no");
+    row("http://webapi.amap.com/maps?v=1.3", "no", "yes");
+    row("https://webrd01.is.autonavi.com/tile", "no", "yes");
+    row("http://127.0.0.1:8080/Public/css/demo.Default.css", "no", "yes");
+    row("file:///opt/%E8%B5%B0%E3%82%8B/png/2.png", "yes", "yes");
+    row("file:///opt/%E8%B5%B0%E3%82%8B/png/%2e%2e/gpsData.db3", "no", "no");
+    row("file://host/opt/%E8%B5%B0%E3%82%8B/png/2.png", "no", "no");
+    row("qrc:/map/pages/google.html", "no", "no");
+  }
+
+  void requests() {
+    const QString url = QString::fromUtf8(QTest::currentDataTag());
+    QTEST(outcome(settings(), url), "withoutKeys");
+    QTEST(outcome(settings("key"), url), "withKeys");
+  }
+
+  void tileServersLearnWhoAsks() {
+    const auto referer = [](const QString& home, const QString& url) {
+      MapSettings services = settings();
+      services.referer = home;
+      return MapRequestRules(services).referer(QUrl(url));
+    };
+    const QString tile = "https://tile.example.org/1/0/0.png";
+    QCOMPARE(referer(settings().referer, tile), "https://home.example.org/");  // the origin only
+    QCOMPARE(referer("http://home.example.org:81", tile), "http://home.example.org:81/");
+    QCOMPARE(referer(settings().referer, "https://maps.gstatic.com/x"), "");
+    QCOMPARE(referer("", tile), "");
+  }
+
+  // The name is cut off by its length; what remains ends no quote and no address.
+  void imageFolders() {
+    const std::pair<QString, QString> rows[] = {
+        {"/Applications/Trakko.app", "file:///Applications/png/"},
+        {"/opt/My Trakko.app", "file:///opt/My png/"},
+        {"/home/走/Trakko.app", "file:///home/走/png/"},
+        {"/o'b#r?<&\"/100%/Trakko.app", "file:///o%27b%23r%3F%3C%26%22/100%25/png/"}};
+    for (const auto& [path, address] : rows) {
+      const Bundle bundle{path, "Trakko"};
+      QCOMPARE(imageFolderAddress(bundle), address);
+      QCOMPARE(QUrl(address).toLocalFile(), folderBeside(bundle) + "png/");
+    }
+  }
+
+  // Hosts and keys come from outside: whatever they hold, they end neither an attribute nor a text.
+  void settingsStayInTheirPlaces() {
+    const QString bad = "'\"><script>alert(1)</script>";
+    const PageSettings page{"file:///png/", {bad, bad, bad, bad, bad, bad, bad, {}, {}}};
+    for (const QString& text : {gethtmlStr(page), getGDHtmlStr(page)}) {
+      QVERIFY(!text.contains("<script>alert") && !text.contains("'\"><s"));
+      QVERIFY(!text.contains('@'));
+      QCOMPARE(text.count('\n'), text.count(" \r\n"));
+    }
+  }
+
+  void environmentOverridesTheBuild() {
+    QVERIFY(configuredMapSettings().tileAddress.startsWith("http"));
+    const QStringList names{"GOOGLE_MAPS_HOST",   "GOOGLE_MAPS_KEY", "GOOGLE_IMAGE_HOST",
+                            "GOOGLE_STATIC_HOST", "AMAP_HOST",       "AMAP_KEY",
+                            "AMAP_SITE_HOST",     "TILE_ADDRESS",    "REFERER"};
+    for (const QString& name : names) {
+      qputenv(("TRAKKO_" + name).toLatin1(), name.toLatin1());
+    }
+    QCOMPARE(configuredMapSettings(), (MapSettings{names[0], names[1], names[2], names[3], names[4],
+                                                   names[5], names[6], names[7], names[8]}));
+  }
+};
+
+QTEST_GUILESS_MAIN(MapRequestsTest)
+#include "tst_mapRequests.moc"
