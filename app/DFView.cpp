@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
+
 #include <array>
 
 using namespace Qt::StringLiterals;

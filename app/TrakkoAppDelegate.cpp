@@ -9,6 +9,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
+
 #include <utility>
 
 Q_LOGGING_CATEGORY(lcApp, "trakko.app", QtInfoMsg)

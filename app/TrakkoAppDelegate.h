@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+
 #include <atomic>
 #include <chrono>
 #include <memory>

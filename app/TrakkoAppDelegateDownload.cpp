@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QProgressBar>
 #include <QScopeGuard>
+
 #include <thread>
 
 namespace {

@@ -12,6 +12,7 @@
 #include <QItemSelectionModel>
 #include <QLoggingCategory>
 #include <QTableView>
+
 #include <thread>
 #include <utility>
 

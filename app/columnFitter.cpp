@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QTableView>
+
 #include <algorithm>
 #include <numeric>
 #include <vector>

@@ -14,6 +14,7 @@
 #include <QLibraryInfo>
 #include <QMessageBox>
 #include <QTranslator>
+
 #include <cstdlib>
 #include <memory>
 

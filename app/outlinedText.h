@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QPointF>
 #include <QString>
+
 #include <utility>
 
 class QPainter;

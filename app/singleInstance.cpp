@@ -6,6 +6,7 @@
 #include <QLocalSocket>
 #include <QLoggingCategory>
 #include <QThread>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,6 +1,7 @@
 #include "app/tableModel.h"
 
 #include <QTableView>
+
 #include <algorithm>
 #include <utility>
 

@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QString>
+
 #include <vector>
 
 class QTableView;

@@ -3,6 +3,7 @@
 #include "data/records.h"
 
 #include <QString>
+
 #include <utility>
 #include <vector>
 

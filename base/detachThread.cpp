@@ -1,6 +1,7 @@
 #include "base/detachThread.h"
 
 #include <QLoggingCategory>
+
 #include <atomic>
 #include <exception>
 #include <pthread.h>

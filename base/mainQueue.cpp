@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
+
 #include <deque>
 #include <mutex>
 #include <utility>

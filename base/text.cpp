@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QVarLengthArray>
+
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -12,6 +12,7 @@
 #include <QLoggingCategory>
 #include <QPixmap>
 #include <QTemporaryDir>
+
 #include <benchmark/benchmark.h>
 #include <vector>
 

@@ -2,6 +2,7 @@
 #include "tools/watchsim/watchMemory.h"
 
 #include <QLoggingCategory>
+
 #include <array>
 #include <benchmark/benchmark.h>
 #include <string>

@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
+
 #include <cstdio>
 #include <cstdlib>
 #include <map>

@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QTableView>
 #include <QTemporaryDir>
+
 #include <atomic>
 #include <benchmark/benchmark.h>
 

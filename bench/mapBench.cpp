@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <memory>

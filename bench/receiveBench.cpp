@@ -8,6 +8,7 @@
 #include "tests/device/pseudoTerminal.h"
 
 #include <QLoggingCategory>
+
 #include <array>
 #include <benchmark/benchmark.h>
 #include <chrono>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFile>
+
 #include <algorithm>
 #include <array>
 #include <chrono>

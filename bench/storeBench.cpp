@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
+
 #include <benchmark/benchmark.h>
 #include <vector>
 

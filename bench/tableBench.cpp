@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QTableView>
 #include <QTimer>
+
 #include <algorithm>
 #include <benchmark/benchmark.h>
 

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
+
 #include <filesystem>
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLoggingCategory>
+
 #include <memory>
 
 struct sqlite3;

@@ -5,6 +5,7 @@
 #include "data/schema.h"
 
 #include <QFile>
+
 #include <algorithm>
 #include <sqlite3.h>
 

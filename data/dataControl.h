@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
+
 #include <vector>
 
 struct sqlite3;

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>

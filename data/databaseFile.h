@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <functional>
 
 /// Backup and restore of the database as a file: byte copies, whatever the files hold. Nothing is

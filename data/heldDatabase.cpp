@@ -1,6 +1,7 @@
 #include "data/heldDatabase.h"
 
 #include <QFile>
+
 #include <sqlite3.h>
 
 namespace {

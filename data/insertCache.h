@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+
 #include <vector>
 
 /// Executes statements given as texts. INSERTs in a row that differ in their values alone, such as

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+
 #include <functional>
 
 /// A file in the making. It is written under another name beside its place and takes that place

@@ -4,6 +4,7 @@
 #include "data/connection.h"
 
 #include <QVarLengthArray>
+
 #include <algorithm>
 #include <charconv>
 #include <cstring>

@@ -6,6 +6,7 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTimer>
+
 #include <memory>
 
 Q_LOGGING_CATEGORY(lcAgps, "trakko.device.agps", QtInfoMsg)

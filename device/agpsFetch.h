@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QUrl>
+
 #include <chrono>
 
 namespace agps {

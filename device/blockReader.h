@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+
 #include <array>
 #include <initializer_list>
 

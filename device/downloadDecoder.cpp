@@ -5,6 +5,7 @@
 #include "device/runDecoder.h"
 
 #include <QLoggingCategory>
+
 #include <algorithm>
 #include <vector>
 

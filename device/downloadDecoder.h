@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTimeZone>
+
 #include <functional>
 
 /// What a download was decoded into, as the store takes it.

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>

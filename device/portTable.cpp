@@ -1,6 +1,7 @@
 #include "device/portTable.h"
 
 #include <QFile>
+
 #include <sys/stat.h>
 
 PortTable& PortTable::instance() {

@@ -4,6 +4,7 @@
 #include "device/downloadDecoder.h"
 
 #include <QDateTime>
+
 #include <optional>
 
 /// Decodes the run and lap lines of a download, in the order in which they came.

@@ -3,6 +3,7 @@
 #include "device/serialSpeed.h"
 
 #include <QLoggingCategory>
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>

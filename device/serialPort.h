@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <array>
 #include <atomic>
 #include <condition_variable>

@@ -1,6 +1,7 @@
 #include "device/udevRegistry.h"
 
 #include <QCryptographicHash>
+
 #include <libudev.h>
 #include <memory>
 

@@ -3,6 +3,7 @@
 #include "base/messenger.h"
 
 #include <QLoggingCategory>
+
 #include <thread>
 
 Q_LOGGING_CATEGORY(lcDevice, "trakko.device", QtInfoMsg)

@@ -10,6 +10,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+
 #include <atomic>
 #include <cstddef>
 #include <memory>

@@ -8,6 +8,7 @@
 #include "device/watchCommands.h"
 
 #include <QLoggingCategory>
+
 #include <chrono>
 
 Q_LOGGING_CATEGORY(lcProtocol, "trakko.device.protocol", QtInfoMsg)

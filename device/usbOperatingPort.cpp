@@ -6,6 +6,7 @@
 #include "device/usbOperating.h"
 
 #include <QLoggingCategory>
+
 #include <cerrno>
 #include <cstdio>
 #include <system_error>

@@ -7,6 +7,7 @@
 
 #include <QLoggingCategory>
 #include <QScopeGuard>
+
 #include <algorithm>
 #include <sys/resource.h>
 #include <unistd.h>

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
+
 #include <optional>
 
 /// A USB device as the registry knows it.

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSaveFile>
+
 #include <cerrno>
 #include <unistd.h>
 

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringView>
 #include <QtGlobal>
+
 #include <vector>
 
 /// The place, from 0, of the lap or point that the store keys with `key`, among those of the run

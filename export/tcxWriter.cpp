@@ -9,10 +9,10 @@
 
 #include <QByteArrayList>
 #include <QStringView>
-#include <utility>
-#include <vector>
 
 #include <pugixml.hpp>
+#include <utility>
+#include <vector>
 
 namespace {
 

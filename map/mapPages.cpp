@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QUrl>
+
 #include <initializer_list>
 #include <utility>
 

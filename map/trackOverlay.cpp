@@ -5,6 +5,7 @@
 #include "map/chinaShift.h"
 
 #include <QLoggingCategory>
+
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFile>
+
 #include <csignal>
 #include <sys/resource.h>
 

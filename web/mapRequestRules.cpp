@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QRegularExpression>
+
 #include <algorithm>
 
 namespace {

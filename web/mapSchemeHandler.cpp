@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QWebEngineUrlRequestJob>
+
 #include <memory>
 
 namespace {

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+
 #include <functional>
 
 /// The page that shows the map, as the controller drives it. Main thread. Calls into the page are

@@ -8,6 +8,7 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
+
 #include <utility>
 
 Q_LOGGING_CATEGORY(lcMapPage, "trakko.map.page", QtInfoMsg)

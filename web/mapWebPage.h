@@ -4,6 +4,7 @@
 #include "web/mapRequestRules.h"
 
 #include <QWebEnginePage>
+
 #include <memory>
 
 /// The engine's page as the map needs it: it shows what the program loads and goes nowhere else,

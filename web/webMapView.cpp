@@ -12,6 +12,7 @@
 #include <QTemporaryFile>
 #include <QWebEngineProfile>
 #include <QWebEngineUrlScheme>
+
 #include <chrono>
 #include <utility>
 

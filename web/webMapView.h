@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 #include <QWebEngineView>
+
 #include <memory>
 
 class MapRequestInterceptor;

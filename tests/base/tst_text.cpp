@@ -1,6 +1,7 @@
 #include "base/text.h"
 
 #include <QtTest>
+
 #include <clocale>
 #include <cmath>
 #include <limits>

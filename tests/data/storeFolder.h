@@ -7,6 +7,7 @@
 
 #include <QTemporaryDir>
 #include <QtEndian>
+
 #include <sqlite3.h>
 
 inline Connection connectTo(const QString& database) {

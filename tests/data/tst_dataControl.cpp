@@ -2,6 +2,7 @@
 #include "storeFolder.h"
 
 #include <QtTest>
+
 #include <limits>
 
 using namespace Qt::StringLiterals;

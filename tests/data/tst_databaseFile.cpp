@@ -2,6 +2,7 @@
 #include "storeFolder.h"
 
 #include <QtTest>
+
 #include <atomic>
 #include <sys/stat.h>
 #include <sys/wait.h>

@@ -1,6 +1,7 @@
 #include "storeFolder.h"
 
 #include <QtTest>
+
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>

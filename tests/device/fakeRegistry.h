@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QStringList>
+
 #include <mutex>
 #include <utility>
 

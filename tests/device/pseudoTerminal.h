@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>

@@ -7,6 +7,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+
 #include <atomic>
 #include <numeric>
 #include <thread>

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QTest>
+
 #include <memory>
 #include <tuple>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include <QLoggingCategory>
 #include <QTest>
+
 #include <array>
 #include <limits>
 #include <random>

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <atomic>
 #include <chrono>
 #include <numeric>

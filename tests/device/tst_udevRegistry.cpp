@@ -5,6 +5,7 @@
 #include "device/usbOperating.h"
 
 #include <QTest>
+
 #include <memory>
 #include <umockdev.h>
 #include <unistd.h>

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <csignal>
 #include <sys/resource.h>
 #include <tuple>

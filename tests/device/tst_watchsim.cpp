@@ -10,6 +10,7 @@
 #include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <algorithm>
 #include <tuple>
 

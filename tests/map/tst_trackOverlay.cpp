@@ -6,6 +6,7 @@
 
 #include <QRegularExpression>
 #include <QTest>
+
 #include <cmath>
 
 class TrackOverlayTest : public QObject {

@@ -2,6 +2,7 @@
 #include "tests/web/webFixture.h"
 
 #include <QDesktopServices>
+
 #include <csignal>
 
 using namespace Qt::StringLiterals;

@@ -10,6 +10,7 @@
 #include <QTcpSocket>
 #include <QWebEnginePage>
 #include <QtTest>
+
 #include <memory>
 #include <unistd.h>
 

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+
 #include <cmath>
 #include <cstdio>
 #include <functional>

@@ -3,6 +3,7 @@
 #include "tools/watchsim/watchBlocks.h"
 
 #include <QFileInfo>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+
 #include <atomic>
 #include <chrono>
 #include <functional>

@@ -4,6 +4,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+
 #include <csignal>
 #include <cstdio>
 #include <ctime>

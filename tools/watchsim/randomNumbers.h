@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGlobal>
+
 #include <random>
 
 /// Random whole numbers that are the same for the same seed on every machine: the standard fixes

@@ -5,6 +5,7 @@
 #include "tools/watchsim/watchBlocks.h"
 
 #include <QDateTime>
+
 #include <vector>
 
 /// A recorded run as the watch holds it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGlobal>
+
 #include <span>
 
 /// A place in millionths of a degree, north and east.
