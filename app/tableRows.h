@@ -28,10 +28,6 @@ struct pViewData {
       nsStrName8;
 };
 
-/// The pace per kilometre of a speed in km/h, "MM'SS"; "00'00" when the speed is not above 0.
-/// Minutes above 99 take three digits.
-QString paceText(double speed);
-
 tViewData runRow(const runData& run);
 
 /// The summary row of the run, then a row per lap. Lap n is looked up as "<number>-<n>" for n up to

@@ -1,4 +1,5 @@
 #include "app/tableRows.h"
+#include "stats/units.h"
 
 #include <QTest>
 
@@ -58,7 +59,7 @@ void TestTableRows::pace_data() {
 void TestTableRows::pace() {
   QFETCH(double, speed);
   QFETCH(QString, expected);
-  QCOMPARE(paceText(speed), expected);
+  QCOMPARE(units::paceText(speed), expected);
 }
 
 void TestTableRows::lapsRepeatTheRunsCalories() {
