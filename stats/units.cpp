@@ -6,6 +6,17 @@
 
 namespace units {
 
+namespace {
+
+/// Whole seconds; what is no positive number is none.
+qint64 whole(double seconds) {
+  // Keeps the pace of a speed of almost nothing inside the integer's range.
+  constexpr double longest = 1e15;
+  return seconds > 0 ? static_cast<qint64>(std::min(seconds, longest)) : 0;
+}
+
+}  // namespace
+
 double kilometres(QStringView centimetres) {
   return text::toDouble(centimetres) / 100000.0;
 }
@@ -28,13 +39,18 @@ double kilocalories(QStringView stored) {
 
 QString paceText(double speed) {
   constexpr double secondsPerHour = 3600.0;
-  // Keeps a speed of almost nothing inside the integer's range.
-  constexpr double longestPace = 1e15;
-  if (!(speed > 0)) {
-    return QStringLiteral("00'00");
-  }
-  const auto pace = static_cast<qint64>(std::min(secondsPerHour / speed, longestPace));
+  return paceOfSeconds(speed > 0 ? secondsPerHour / speed : 0);
+}
+
+QString paceOfSeconds(double seconds) {
+  const qint64 pace = whole(seconds);
   return text::padded(pace / 60, 2) + u'\'' + text::padded(pace % 60, 2);
+}
+
+QString durationText(double seconds) {
+  const qint64 duration = whole(seconds);
+  return QString::number(duration / 3600) + u':' + text::padded(duration / 60 % 60, 2) + u':' +
+         text::padded(duration % 60, 2);
 }
 
 }  // namespace units

@@ -21,5 +21,10 @@ double kilocalories(QStringView stored);
 /// The pace per kilometre of a speed in km/h, "MM'SS"; "00'00" when the speed is not above 0.
 /// Minutes above 99 take three digits.
 QString paceText(double speed);
+/// The same of the seconds that a kilometre took.
+QString paceOfSeconds(double seconds);
+
+/// A duration in seconds, fractions cut: "H:MM:SS", as many digits of hours as it takes.
+QString durationText(double seconds);
 
 }  // namespace units
