@@ -12,7 +12,7 @@ if [ "${1:-}" = --demo ]; then
 fi
 
 "$here/tools/install-packages.sh" run
-cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTRAKKO_DEVELOPER=OFF >/dev/null
+cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" --target Trakko watchsim
 
 # The web engine's sandbox does not work for root.

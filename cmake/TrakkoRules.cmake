@@ -61,10 +61,22 @@ function(trakko_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
-# trakko_bench(NAME LINKS ... SOURCES ...): a Google Benchmark program below <build>/bench.
+# trakko_bench(NAME LINKS ... SOURCES ... [BRIEF FILTER]): a Google Benchmark program below
+# <build>/bench. CTest runs it briefly, only to see that it still works: the shortest time, without a
+# display, and of its sizes only what FILTER names (a leading "-": all but these).
 function(trakko_bench name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "BRIEF" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_BRIEF)
+    set(ARG_BRIEF .)
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE trakko_rules trakko_benches benchmark::benchmark ${ARG_LINKS})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+  if(TRAKKO_DEVELOPER)
+    add_test(NAME ${name}
+      COMMAND ${name} --benchmark_min_time=0.001 --benchmark_filter=${ARG_BRIEF})
+    set_tests_properties(${name} PROPERTIES LABELS bench TIMEOUT 60
+      FAIL_REGULAR_EXPRESSION "ERROR OCCURRED"
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=*=false")
+  endif()
 endfunction()

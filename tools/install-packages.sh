@@ -1,6 +1,7 @@
 #!/bin/sh
-# Installs the Debian packages that building and running need (and, with "test", testing), as far as
-# they are missing. Uses sudo where it is not run as root.
+# Installs the Debian packages that building and running need, as far as they are missing, and with
+# them those for "test" (testing), "lint" (clang-format and clang-tidy as well), "fuzz" or "faults".
+# Uses sudo where it is not run as root.
 set -eu
 
 run_packages="build-essential cmake ninja-build pkg-config
@@ -10,8 +11,14 @@ run_packages="build-essential cmake ninja-build pkg-config
 test_packages="libbenchmark-dev libumockdev-dev umockdev sqlite3 gpsbabel xvfb xauth
   libxml2-utils desktop-file-utils appstream locales"
 
-wanted=$run_packages
-[ "${1:-run}" = test ] && wanted="$wanted $test_packages"
+case ${1:-run} in
+  run) wanted=$run_packages ;;
+  test) wanted="$run_packages $test_packages" ;;
+  lint) wanted="$run_packages $test_packages clang-format clang-tidy" ;;
+  fuzz) wanted="$run_packages $test_packages clang libclang-rt-14-dev" ;;
+  faults) wanted="$run_packages $test_packages strace" ;;
+  *) echo "usage: $0 [run|test|lint|fuzz|faults]" >&2; exit 2 ;;
+esac
 
 missing=""
 for package in $wanted; do
