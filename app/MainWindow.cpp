@@ -112,13 +112,19 @@ void MainWindow::arrangePanes() {
   ui_->mainSplitter->setStretchFactor(1, 1);
   ui_->mainSplitter->setSizes({430, 850});
   ui_->rightSplitter->setStretchFactor(0, 3);
-  ui_->rightSplitter->setStretchFactor(1, 1);
+  ui_->rightSplitter->setStretchFactor(1, 2);
   ui_->rightSplitter->setStretchFactor(2, 1);
-  ui_->rightSplitter->setSizes({390, 140, 140});
+  ui_->rightSplitter->setStretchFactor(3, 1);
+  ui_->rightSplitter->setSizes({300, 150, 120, 100});
 }
 
 void MainWindow::setMapWidget(QWidget* map) {
   ui_->mapFrame->layout()->addWidget(map);
+}
+
+void MainWindow::setProfileWidget(QWidget* profile) {
+  ui_->profilePane->layout()->addWidget(profile);
+  ui_->profilePane->show();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

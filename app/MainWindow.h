@@ -21,6 +21,8 @@ class MainWindow : public QMainWindow {
 
   /// Puts the map into its pane; the window takes ownership.
   void setMapWidget(QWidget* map);
+  /// Puts the profile into its pane, which is hidden until then; the window takes ownership.
+  void setProfileWidget(QWidget* profile);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
