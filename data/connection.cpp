@@ -1,5 +1,6 @@
 #include "data/connection.h"
 
+#include <initializer_list>
 #include <sqlite3.h>
 
 Q_LOGGING_CATEGORY(dataLog, "trakko.data", QtInfoMsg)
@@ -23,4 +24,15 @@ PreparedStatement prepare(sqlite3* connection, const char* sql) {
     sqlite3_prepare_v2(connection, sql, -1, &statement, nullptr);
   }
   return PreparedStatement(statement);
+}
+
+void runNothingStored(sqlite3* connection) {
+  if (connection == nullptr) {
+    return;
+  }
+  for (const int what : {SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_ENABLE_TRIGGER,
+                         SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, SQLITE_DBCONFIG_DQS_DDL,
+                         SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_TRUSTED_SCHEMA}) {
+    sqlite3_db_config(connection, what, 0, nullptr);
+  }
 }

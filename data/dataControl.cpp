@@ -63,6 +63,7 @@ sqlite3* dataControl::open_db() {
     return nullptr;
   }
   sqlite3_busy_timeout(db, busyLimit);
+  runNothingStored(db);
   return db;
 }
 

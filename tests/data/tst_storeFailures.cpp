@@ -1,3 +1,4 @@
+#include "data/schemaCheck.h"
 #include "storeFolder.h"
 
 #include <QtTest>
@@ -70,6 +71,60 @@ class StoreFailuresTest : public QObject {
       QCOMPARE(data.deleteOneData(1), -1);
       QCOMPARE(data.deleteAllData(), -1);
     }
+  }
+
+  // A restored file may hold more than tables: nothing in it runs, and the store comes back.
+  static void strangersSchema_data() {
+    using schemaCheck::Finding;
+    QTest::addColumn<QByteArray>("sql");
+    QTest::addColumn<Finding>("finding");
+    QTest::addColumn<qint32>("stored");
+    const auto row = [](const char* name, const QByteArray& sql, Finding finding, qint32 stored) {
+      QTest::newRow(name) << sql << finding << stored;
+    };
+    const QByteArray endless =
+        "drop table T_RunData; create view T_RunData as with recursive r(i) as "
+        "(select 1 union all select i+1 from r) select i ID,i T_RunStartTime from r";
+    row("as made", "", Finding::complete, 1);
+    row("more", "alter table T_LapData add note; create table mine(a)", Finding::complete, 1);
+    row("trigger", "create trigger t after insert on T_RunData begin delete from T_RunData; end",
+        Finding::complete, 1);
+    row("view", endless, Finding::tablesMissing, -1);
+    row("computed",
+        "alter table T_LapData drop T_LapDsc; alter table T_LapData drop T_Cnumber;"
+        "alter table T_LapData add T_LapDsc as (1); alter table T_LapData add T_Cnumber",
+        Finding::tablesMissing, -1);
+    row("virtual", "drop table T_TrackData; create virtual table T_TrackData using fts4(a)",
+        Finding::tablesMissing, 1);
+    row("missing table", "drop table T_TrackData", Finding::tablesMissing, 1);
+    row("missing column", "alter table T_RunData drop T_IdNumber", Finding::tablesMissing, -1);
+    row("other order", "alter table T_RunData drop T_RunName;alter table T_RunData add T_RunName",
+        Finding::tablesMissing, 1);
+  }
+  static void strangersSchema() {
+    QFETCH(const QByteArray, sql);
+    const StoreFolder folder;
+    QCOMPARE(folder.ask(sql.constData()), "");
+    QTEST(schemaCheck::check(folder.database), "finding");
+    dataControl data;
+    data.getRunData("ALL", {});
+    data.getRunDataTF("2014-05-01");
+    QTEST(oneRun().store(), "stored");
+    QTEST(dataControl().getRunData("ALL", {}).isEmpty() ? -1 : 1, "stored");
+  }
+
+  static void otherFiles() {
+    using schemaCheck::Finding;
+    const StoreFolder folder;
+    const QByteArray whole = bytesOf(folder.database);
+    const std::array files{std::pair(QByteArray(), Finding::tablesMissing),
+                           std::pair(QByteArray(5000, 'x'), Finding::noDatabase),
+                           std::pair(whole.first(whole.size() - 4096), Finding::noDatabase)};
+    for (const auto& [bytes, finding] : files) {
+      writeBytes(folder.in("other"), bytes);
+      QCOMPARE(schemaCheck::check(folder.in("other")), finding);
+    }
+    QCOMPARE(schemaCheck::check(folder.in("nowhere")), Finding::unreadable);
   }
 
   static void readOnlyFile() {
