@@ -1,7 +1,7 @@
 #include "map/trackOverlay.h"
 
 #include "base/text.h"
-#include "base/trackTime.h"
+#include "data/pauseFinder.h"
 #include "map/chinaShift.h"
 
 #include <QLoggingCategory>
@@ -169,17 +169,13 @@ class MiddleStretch {
   std::vector<Position> points_;
 };
 
-/// Finds the pauses: points without speed, a minute or more after the point before.
+/// The pauses, as the page takes them.
 class BreakList {
  public:
   BreakList(const Dialect& dialect, quint64 count) : dialect_(dialect), count_(count) {}
 
   void take(int index, const trackPointData& point) {
-    const double time = trackTimeValue(point.T_PointTime);
-    const bool paused = index > 1 && previous_ && time - *previous_ >= shortestPause &&
-                        text::toDouble(point.T_PointSpeed) <= 0.0;
-    previous_ = time;
-    if (paused && dialect_.mayBreak(index, count_)) {
+    if (pauses_.isAfterPause(index, point) && dialect_.mayBreak(index, count_)) {
       append(index);
     }
   }
@@ -192,8 +188,6 @@ class BreakList {
   }
 
  private:
-  static constexpr double shortestPause = 60.0;  // seconds
-
   void append(int index) {
     if (list_.isEmpty()) {
       list_ = u"new Array(0,"_s + QString::number(index);
@@ -204,7 +198,7 @@ class BreakList {
 
   const Dialect& dialect_;
   quint64 count_;
-  std::optional<double> previous_;
+  PauseFinder pauses_;
   QString list_;
 };
 
@@ -286,4 +280,8 @@ TrackOverlay buildGoogleOverlay(const PointDictionary& pointDic, qint64 number,
 TrackOverlay buildGDOverlay(const PointDictionary& pointDic, qint64 number,
                             const QString& arrPointStr) {
   return build(gd, pointDic, number, arrPointStr);
+}
+
+QString googlePosition(const trackPointData& point) {
+  return google.isUsable(point) ? latLon(positionOf(point)) : QString();
 }

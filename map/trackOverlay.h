@@ -33,3 +33,7 @@ TrackOverlay buildGoogleOverlay(const PointDictionary& pointDic, qint64 number,
 /// The track for the AMap page: coordinates shifted to its datum (map/chinaShift.h), six decimals.
 TrackOverlay buildGDOverlay(const PointDictionary& pointDic, qint64 number,
                             const QString& arrPointStr);
+
+/// Where buildGoogleOverlay() puts a point, "latitude,longitude" as script numbers; null for a point
+/// that it leaves out.
+QString googlePosition(const trackPointData& point);
