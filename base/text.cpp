@@ -12,47 +12,31 @@
 
 namespace {
 
-bool isDigit(QChar c) {
-  return c >= u'0' && c <= u'9';
-}
+constexpr auto isPartOfDecimal = [](QChar c) {
+  return text::isDigit(c) || c == u'.' || c == u'-' || c == u'+' || c == u'e' || c == u'E';
+};
 
-bool isSign(QChar c) {
-  return c == u'-' || c == u'+';
-}
-
-qsizetype skipBlanks(QStringView value) {
-  qsizetype at = 0;
-  while (at < value.size() && value[at].isSpace()) {
-    ++at;
-  }
-  return at;
-}
-
-qsizetype skipDigits(QStringView value, qsizetype at) {
-  while (at < value.size() && isDigit(value[at])) {
-    ++at;
-  }
-  return at;
-}
-
-/// The end of the unsigned decimal number that `value` starts with, 0 when it starts with none.
-qsizetype decimalEnd(QStringView value) {
-  const qsizetype whole = skipDigits(value, 0);
-  qsizetype end = whole;
-  if (end < value.size() && value[end] == u'.') {
-    end = skipDigits(value, end + 1);
-    if (end == 1) {
-      return 0;  // a point alone
+/// The characters at the start of a text, behind blanks and a sign, that a number may be made of; a
+/// "-" stays. None when a second sign follows, and no names of values such as "inf", which the
+/// library would read.
+struct NumberIn : QVarLengthArray<char, 64> {
+  template <typename IsPart>
+  NumberIn(QStringView value, IsPart isPart) {
+    const auto* first = value.begin();
+    while (first != value.end() && first->isSpace()) {
+      ++first;
     }
+    const bool hasSign = first != value.end() && (*first == u'-' || *first == u'+');
+    const auto* const digits = hasSign ? first + 1 : first;
+    if (digits == value.end() || !(text::isDigit(*digits) || *digits == u'.')) {
+      return;
+    }
+    const auto* const last = std::find_if_not(digits, value.end(), isPart);
+    first = hasSign && *first == u'-' ? first : digits;
+    resize(last - first);
+    std::transform(first, last, begin(), [](QChar c) { return static_cast<char>(c.unicode()); });
   }
-  if (end == 0 || end >= value.size() || value[end].toLower() != u'e') {
-    return end;
-  }
-  const qsizetype sign = end + 1;
-  const qsizetype digits = sign < value.size() && isSign(value[sign]) ? sign + 1 : sign;
-  const qsizetype exponentEnd = skipDigits(value, digits);
-  return exponentEnd > digits ? exponentEnd : end;
-}
+};
 
 }  // namespace
 
@@ -91,42 +75,30 @@ void appendNumber(QByteArray& out, qint64 value) {
 }
 
 qint64 toInteger(QStringView value) {
-  value = value.mid(skipBlanks(value));
-  const bool negative = value.startsWith(u'-');
-  if (!value.isEmpty() && isSign(value.front())) {
-    value = value.mid(1);
+  using Limits = std::numeric_limits<qint64>;
+  const NumberIn number(value, [](QChar c) { return isDigit(c); });
+  if (number.isEmpty()) {
+    return 0;
   }
-  // Counted below zero, where there is one value more than above.
   qint64 result = 0;
-  for (const QChar c : value.left(skipDigits(value, 0))) {
-    if (__builtin_mul_overflow(result, qint64{10}, &result) ||
-        __builtin_sub_overflow(result, qint64{c.unicode() - u'0'}, &result)) {
-      result = std::numeric_limits<qint64>::min();
-      break;
-    }
+  const auto read = std::from_chars(number.cbegin(), number.cend(), result);
+  if (read.ec == std::errc::result_out_of_range) {
+    return number.front() == '-' ? Limits::min() : Limits::max();
   }
-  if (negative) {
-    return result;
-  }
-  return result == std::numeric_limits<qint64>::min() ? std::numeric_limits<qint64>::max()
-                                                      : -result;
+  return result;
+}
+
+qint32 limited(qint64 value) {
+  using Limits = std::numeric_limits<qint32>;
+  return static_cast<qint32>(std::clamp<qint64>(value, Limits::min(), Limits::max()));
 }
 
 qint32 toInt32(QStringView value) {
-  using Limits = std::numeric_limits<qint32>;
-  return static_cast<qint32>(std::clamp<qint64>(toInteger(value), Limits::min(), Limits::max()));
+  return limited(toInteger(value));
 }
 
 double toDouble(QStringView value) {
-  value = value.mid(skipBlanks(value));
-  const bool negative = value.startsWith(u'-');
-  if (!value.isEmpty() && isSign(value.front())) {
-    value = value.mid(1);
-  }
-  QVarLengthArray<char, 64> number;
-  for (const QChar c : value.left(decimalEnd(value))) {
-    number.append(static_cast<char>(c.unicode()));
-  }
+  NumberIn number(value, isPartOfDecimal);
   double result = 0.0;
   const auto read = std::from_chars(number.cbegin(), number.cend(), result);
   if (read.ec == std::errc::result_out_of_range) {
@@ -135,7 +107,7 @@ double toDouble(QStringView value) {
     number.append('\0');
     result = strtod_l(number.constData(), nullptr, c);
   }
-  return negative && !number.isEmpty() ? -result : result;
+  return result;
 }
 
 QString fixed(double value, int decimals) {

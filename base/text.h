@@ -10,6 +10,11 @@
 /// mixed up. All functions are pure and may be called from any thread.
 namespace text {
 
+/// Whether the character is one of "0" to "9"; no other script's digits count.
+constexpr bool isDigit(QChar character) {
+  return character >= u'0' && character <= u'9';
+}
+
 /// What an absent value looks like wherever it is printed: "(null)".
 extern const QString absent;
 
@@ -25,6 +30,9 @@ void appendNumber(QByteArray& out, qint64 value);
 /// Reads a decimal integer as far as the text is one ("4C" is 4, "" is 0), after leading blanks and
 /// an optional sign. Values out of range give the nearest limit.
 qint64 toInteger(QStringView value);
+
+/// The nearest 32-bit number.
+qint32 limited(qint64 value);
 
 /// toInteger() limited to 32 bits.
 qint32 toInt32(QStringView value);
