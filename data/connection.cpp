@@ -26,6 +26,11 @@ PreparedStatement prepare(sqlite3* connection, const char* sql) {
   return PreparedStatement(statement);
 }
 
+void logFailure(sqlite3* connection, const char* statement) {
+  qCWarning(dataLog, "%s", statement);
+  qCWarning(dataLog, "%s", sqlite3_errmsg(connection));
+}
+
 void runNothingStored(sqlite3* connection) {
   if (connection == nullptr) {
     return;

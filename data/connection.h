@@ -27,6 +27,9 @@ bool execute(sqlite3* connection, const char* sql);
 /// The first statement of the text; null when SQLite does not take it or `connection` is null.
 PreparedStatement prepare(sqlite3* connection, const char* sql);
 
+/// Logs the statement that failed on the connection, and what SQLite says about it.
+void logFailure(sqlite3* connection, const char* statement);
+
 /// Makes the connection refuse whatever a stranger's file could run: views, triggers, functions and
 /// virtual tables in its schema, extensions, and names that turn into texts when no such column is
 /// there. What the file holds stays as it is. For every connection to a database that was not made

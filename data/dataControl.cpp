@@ -11,28 +11,20 @@
 
 namespace {
 
-/// How long a statement waits for another connection's lock, in milliseconds. Without it, a
-/// calendar that reads while a download is stored makes whole runs fail.
-constexpr int busyLimit = 5000;
-
-/// Whether the table of runs can be read. Its first row tells enough.
-bool hasRunTable(sqlite3* connection) {
-  const PreparedStatement probe = prepare(connection, "select * from T_RunData");
-  if (probe == nullptr) {
-    return false;
-  }
-  const int result = sqlite3_step(probe.get());
-  return result == SQLITE_ROW || result == SQLITE_DONE;
+/// SQLite's answer to the question for the table of runs. Its first row tells enough.
+int probe(sqlite3* connection) {
+  const PreparedStatement statement = prepare(connection, "select * from T_RunData");
+  return statement != nullptr    ? sqlite3_step(statement.get())
+         : connection != nullptr ? sqlite3_errcode(connection)
+                                 : SQLITE_MISUSE;
 }
 
 /// All four or none: a file with the first table alone would pass for a complete one for ever. What
 /// is not committed goes when the connection is closed.
-void makeTables(sqlite3* connection) {
+bool makeTables(sqlite3* connection) {
   const auto run = [connection](const char* sql) { return execute(connection, sql); };
-  if (run("begin immediate transaction;") &&
-      std::all_of(createTables.begin(), createTables.end(), run)) {
-    run("commit transaction;");
-  }
+  return run("begin immediate transaction;") &&
+         std::all_of(createTables.begin(), createTables.end(), run) && run("commit transaction;");
 }
 
 }  // namespace
@@ -62,7 +54,7 @@ sqlite3* dataControl::open_db() {
     connection_.reset();
     return nullptr;
   }
-  sqlite3_busy_timeout(db, busyLimit);
+  limits_.attachTo(db);
   runNothingStored(db);
   return db;
 }
@@ -73,16 +65,22 @@ int dataControl::close_db() {
   }
   const int result = usable() == nullptr ? SQLITE_MISUSE : sqlite3_close(connection_.release());
   db = nullptr;
+  madeTables_ = false;
   return result;
 }
 
 void dataControl::createDB() {
   open_db();
-  if (hasRunTable(usable())) {
+  const int result = probe(usable());
+  if (result == SQLITE_ROW || result == SQLITE_DONE) {
     return;
   }
-  syncEveryCommit();
-  makeTables(usable());
+  // Anything but a missing table, a lock above all, would keep the tables from being made as well,
+  // and has been waited for already.
+  if (result == SQLITE_ERROR) {
+    prepareToWrite();
+    madeTables_ = makeTables(usable());
+  }
   // `db` stays set: an object that had to make the tables is dead until its close_db().
   connection_.reset();
 }
@@ -91,7 +89,8 @@ sqlite3* dataControl::usable() const {
   return db == connection_.get() ? db : nullptr;
 }
 
-void dataControl::syncEveryCommit() {
+void dataControl::prepareToWrite() {
+  ConnectionLimits::letRun(usable());
   execute(usable(), "PRAGMA synchronous=EXTRA");
 }
 

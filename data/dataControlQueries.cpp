@@ -3,10 +3,8 @@
 #include "base/text.h"
 #include "data/connection.h"
 #include "data/dataControl.h"
-#include "data/table.h"
+#include "data/rows.h"
 
-#include <algorithm>
-#include <limits>
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -31,16 +29,10 @@ QByteArray startedBetween(const QString& first, const QString& last) {
   return withText(" Where T_RunStartTime Between '", first, "' and '") + withText("", last, "' ");
 }
 
-/// The nearest 32-bit number, as text::toInt32() gives it; a restored file may hold any.
-qint32 limited(qint64 value) {
-  using Limits = std::numeric_limits<qint32>;
-  return static_cast<qint32>(std::clamp<qint64>(value, Limits::min(), Limits::max()));
-}
-
-runData runOf(const Table::Row& row) {
+runData runOf(Rows& row) {
   const QString distance = text::fixed(text::toDouble(row.text(4)) / centimetresPerKilometre, 3);
   return {row.text(1),     row.text(2),     row.text(3),
-          distance,        row.text(5),     limited(row.integer(6)),
+          distance,        row.text(5),     text::limited(row.integer(6)),
           row.text(7),     row.text(8),     row.text(9),
           row.text(10),    row.text(11),    row.text(12),
           row.integer(13), row.text(14),    row.text(15),
@@ -49,14 +41,14 @@ runData runOf(const Table::Row& row) {
           row.text(22)};
 }
 
-lapData lapOf(const Table::Row& row) {
-  return {row.text(1),  row.text(2),  row.text(3),  row.text(4),  limited(row.integer(5)),
+lapData lapOf(Rows& row) {
+  return {row.text(1),  row.text(2),  row.text(3),  row.text(4),  text::limited(row.integer(5)),
           row.text(6),  row.text(7),  row.text(8),  row.text(9),  row.text(10),
           row.text(11), row.text(12), row.text(13), row.text(14), row.integer(15)};
 }
 
 // Fills the point where it stands in its dictionary; a run has thousands of them.
-void readPoint(const Table::Row& row, trackPointData& point) {
+void readPoint(Rows& row, trackPointData& point) {
   point.T_PointTime = row.text(1);
   point.T_PointLongitude = row.text(2);
   point.T_PointLogSign = row.text(3);
@@ -80,18 +72,28 @@ bool isWithoutFix(const trackPointData& point) {
 
 }  // namespace
 
+bool dataControl::answered(const Rows& rows) {
+  // An object that had to make the tables is dead, but what it answers is true: they are empty.
+  const bool read = !rows.failed() || madeTables_;
+  queryFailed = queryFailed || !read;
+  return read;
+}
+
 RunDictionary dataControl::getRunData(const QString& start, const QString& endDateStr) {
   const bool all = start.toUpper() == u"ALL";
-  const Table table(
-      usable(), "Select * From T_RunData " +
-                    (all ? QByteArrayLiteral(" Where 1=1 ") : startedBetween(start, endDateStr)) +
-                    " Order by datetime(T_RunStartTime) desc;");
+  Rows rows(usable(),
+            "Select * From T_RunData " +
+                (all ? QByteArrayLiteral(" Where 1=1 ") : startedBetween(start, endDateStr)) +
+                " Order by datetime(T_RunStartTime) desc;");
   RunDictionary runs;
   QStringList keys;
-  for (qsizetype i = 0; i < table.rows(); ++i) {
-    const runData run = runOf(table.row(i));
+  while (rows.next()) {
+    const runData run = runOf(rows);
     keys.append(text::padded(run.T_Cnumber, 2));
     runs.insert(keys.last(), run);
+  }
+  if (!answered(rows)) {
+    return {};
   }
   if (!keys.isEmpty()) {
     runKeyArray = keys;
@@ -100,58 +102,69 @@ RunDictionary dataControl::getRunData(const QString& start, const QString& endDa
 }
 
 LapDictionary dataControl::getLapData(qint32 number) {
-  const Table table(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
-                                         " order by T_LapNo Asc"));
+  Rows rows(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
+                                 " order by T_LapNo Asc"));
   LapDictionary laps;
-  for (qsizetype i = 0; i < table.rows(); ++i) {
-    const Table::Row row = table.row(i);
-    laps.insert(row.joined(15, 5), lapOf(row));
+  while (rows.next()) {
+    laps.insert(rows.joined(15, 5), lapOf(rows));
   }
-  return laps;
+  return answered(rows) ? laps : LapDictionary();
 }
 
 PointDictionary dataControl::getTrackData(qint32 number) {
-  const Table table(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
-                                         " order by T_SetId Asc"));
+  Rows rows(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
+                                 " order by T_SetId Asc"));
   PointDictionary points;
-  points.reserve(table.rows());
+  qint64 found = 0;
   qint64 withFix = 0;
-  for (qsizetype i = 0; i < table.rows(); ++i) {
-    const Table::Row row = table.row(i);
-    trackPointData& point = points[row.joined(15, 14)];
-    readPoint(row, point);
+  for (; rows.next(); ++found) {
+    trackPointData& point = points[rows.joined(15, 14)];
+    readPoint(rows, point);
     withFix += isWithoutFix(point) ? 0 : 1;
   }
-  if (table.rows() > 0) {
+  if (!answered(rows)) {
+    return {};
+  }
+  if (found > 0) {
     trackCount = withFix;
   }
   return points;
 }
 
 QString dataControl::GetTrackName(qint64 number) {
-  const Table table(usable(), withNumber("Select * From T_RunData Where T_Cnumber=", number));
-  return table.rows() > 0 ? table.row(0).text(1) : u""_s;
+  Rows rows(usable(), withNumber("Select * From T_RunData Where T_Cnumber=", number));
+  const QString start = rows.next() ? rows.text(1) : u""_s;
+  return answered(rows) ? start : u""_s;
 }
 
 qint32 dataControl::getRunDataTF(const QString& day) {
-  const QByteArray sql =
-      "Select * From T_RunData " + startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s);
-  const PreparedStatement statement = prepare(usable(), sql.constData());
   // The calendar asks this for each day that it draws; the first row tells enough.
-  return statement != nullptr && sqlite3_step(statement.get()) == SQLITE_ROW ? 1 : 0;
+  Rows rows(usable(), "Select * From T_RunData " +
+                          startedBetween(day + u" 00:00:00"_s, day + u" 23:59:59"_s));
+  const bool found = rows.next();
+  return answered(rows) && found ? 1 : 0;
 }
 
 qint32 dataControl::checkRecord(const QString& startTime) {
-  const Table table(usable(), withText("Select Count(ID) From T_RunData Where T_RunStartTime ='",
-                                       startTime, "';"));
-  if (table.rows() == 0) {
+  Rows rows(usable(),
+            withText("Select Count(ID) From T_RunData Where T_RunStartTime ='", startTime, "';"));
+  const bool counted = rows.next();
+  answered(rows);
+  if (!counted) {
     return -1;
   }
-  return table.row(0).integer(0) > 0 ? 1 : 0;
+  return rows.integer(0) > 0 ? 1 : 0;
 }
 
 qint64 dataControl::getMaxCnumber(const QString& table) {
   db = open_db();
-  const Table largest(usable(), withText("Select Max(T_Cnumber) From ", table, ""));
-  return largest.rows() > 0 ? qMax<qint64>(largest.row(0).integer(0), 0) : 0;
+  limits_.waitForBackups();  // asked by a download, which ends here without the answer
+  // A stranger's file may hold any value. Counted as they are, a text would hide all numbers, and
+  // behind the largest one the next would be taken already.
+  Rows rows(usable(), withText("Select Max(number) From (Select Cast(T_Cnumber As Integer) number "
+                               "From ",
+                               table, ") Where number Between 1 And 2147483647"));
+  const qint64 largest = rows.next() ? rows.integer(0) : 0;
+  unsure_ = !answered(rows);
+  return largest;
 }

@@ -3,8 +3,10 @@
 #include "base/text.h"
 #include "data/connection.h"
 #include "data/dataControl.h"
-#include "data/insertCache.h"
+#include "data/recordWriter.h"
 
+#include <algorithm>
+#include <limits>
 #include <sqlite3.h>
 
 namespace {
@@ -21,50 +23,66 @@ QString batchKey(const QString& runKey, qint64 number) {
   return runKey + u'-' + dataControl::returnKeyStr(QString::number(number));
 }
 
-dataControl::Statements statementsOf(const QString& runKey, const RunDictionary& runs,
-                                     const LapDictionary& laps, const PointDictionary& points) {
+/// Stores one run of a batch with its laps and points, until a statement fails.
+bool storeRun(sqlite3* connection, const QString& runKey, const RunDictionary& runs,
+              const LapDictionary& laps, const PointDictionary& points) {
+  RecordWriter writer(connection);
   const runData& run = recordAt(runs, runKey);
-  dataControl::Statements statements{dataControl::runSqlStr(run)};
-  for (qint64 j = 1; j <= run.T_RunLap; ++j) {
-    statements.push_back(dataControl::lapSqlStr(recordAt(laps, batchKey(runKey, j))));
+  bool stored = writer.store(run);
+  for (qint64 j = 1; stored && j <= run.T_RunLap; ++j) {
+    stored = writer.store(recordAt(laps, batchKey(runKey, j)));
   }
-  for (qint64 j = 1; j <= run.T_RunTrackPoint; ++j) {
-    statements.push_back(dataControl::trackPointSqlStr(recordAt(points, batchKey(runKey, j))));
+  for (qint64 j = 1; stored && j <= run.T_RunTrackPoint; ++j) {
+    stored = writer.store(recordAt(points, batchKey(runKey, j)));
   }
-  return statements;
+  return stored;
 }
 
-void logFailure(sqlite3* connection, const char* statement) {
-  qCWarning(dataLog, "%s", statement);
-  qCWarning(dataLog, "%s", sqlite3_errmsg(connection));
-}
-
-/// Begins a transaction and executes the statements in it. At the first that fails, the
-/// transaction is rolled back and the answer is false.
-bool executeInTransaction(sqlite3* connection, const dataControl::Statements& statements) {
-  if (!execute(connection, "begin transaction;")) {
-    return true;  // nothing to roll back; the commit will tell
-  }
-  InsertCache inserts(connection);
+/// Executes the statements up to the first that fails.
+bool executeAll(sqlite3* connection, const dataControl::Statements& statements) {
   for (const QByteArray& statement : statements) {
-    if (!inserts.execute(statement)) {
+    if (!execute(connection, statement.constData())) {
       logFailure(connection, statement.constData());
-      if (execute(connection, "rollback transaction;")) {
-        qCInfo(dataLog, "rollback ok");
-      }
       return false;
     }
   }
   return true;
 }
 
+/// Begins a transaction and does the work in it. When a statement of the work fails, the
+/// transaction is rolled back and the answer is false.
+bool doInTransaction(sqlite3* connection, const std::function<bool()>& work) {
+  if (!execute(connection, "begin transaction;") || work()) {
+    return true;  // where it could not begin there is nothing to roll back; the commit will tell
+  }
+  if (execute(connection, "rollback transaction;")) {
+    qCInfo(dataLog, "rollback ok");
+  }
+  return false;
+}
+
+/// Larger ones cannot be asked for or deleted by number, and points hold their lower half alone.
+bool isTooLarge(qint64 number) {
+  return number > std::numeric_limits<qint32>::max();
+}
+
 }  // namespace
 
 qint32 dataControl::getSqlArr(const RunDictionary& runMD, const LapDictionary& lapNMD,
                               const PointDictionary& pointNMD, const QStringList& runkeyArr) {
+  const bool tooLarge = std::any_of(runkeyArr.begin(), runkeyArr.end(), [&](const QString& key) {
+    return isTooLarge(recordAt(runMD, key).T_Cnumber);
+  });
+  if (tooLarge || unsure_) {
+    qCWarning(dataLog, "nothing stored: %s", tooLarge ? "number too large" : "numbers unknown");
+    close_db();
+    return -1;
+  }
   qint32 result = -1;
   for (const QString& key : runkeyArr) {
-    if (inData(statementsOf(key, runMD, lapNMD, pointNMD)) == 1) {
+    qCInfo(dataLog).noquote() << text::shown(recordAt(runMD, key).T_RunStartTime);
+    open_db();
+    if (store([&] { return storeRun(usable(), key, runMD, lapNMD, pointNMD); }) == 1) {
       result = 1;
     }
   }
@@ -78,15 +96,23 @@ QString dataControl::returnKeyStr(const QString& number) {
 
 qint32 dataControl::inData(const Statements& statements) {
   open_db();
-  if (db == nullptr || statements.empty()) {
+  if (statements.empty()) {
     return -1;
   }
-  syncEveryCommit();
-  const bool executed = executeInTransaction(usable(), statements);
+  return store([&] { return executeAll(usable(), statements); });
+}
+
+qint32 dataControl::store(const std::function<bool()>& work) {
+  if (db == nullptr) {
+    return -1;
+  }
+  limits_.waitForBackups();
+  prepareToWrite();
+  const bool done = doInTransaction(usable(), work);
   // Sent after a rollback and a failed begin, too: with nothing to commit it fails, and its result
   // alone decides.
   const bool committed = execute(usable(), "commit transaction;");
-  if (executed && !committed && usable() != nullptr) {
+  if (done && !committed && usable() != nullptr) {
     logFailure(usable(), "commit transaction;");
   }
   close_db();
@@ -110,15 +136,16 @@ qint32 dataControl::deleteWhere(const QByteArray& condition) {
   for (const char* table : {"T_RunData", "T_LapData", "T_TrackData", "T_TrackPointData"}) {
     statements.push_back(QByteArrayLiteral("Delete From ") + table + " Where " + condition);
   }
-  syncEveryCommit();
+  prepareToWrite();
   const bool deleted =
-      executeInTransaction(usable(), statements) && execute(usable(), "commit transaction;");
+      doInTransaction(usable(), [&] { return executeAll(usable(), statements); }) &&
+      execute(usable(), "commit transaction;");
   close_db();
   return deleted ? 1 : -1;
 }
 
 void dataControl::deleteRecord(const QString& sql) {
   open_db();
-  syncEveryCommit();
+  prepareToWrite();
   execute(usable(), sql.toUtf8().constData());
 }

@@ -46,7 +46,7 @@ struct StoreFolder {
   }
 
   QString in(const QString& name) const { return directory.filePath(name); }
-  QString ask(const char* sql) const { return ::ask(database, sql); }
+  QString ask(const QByteArray& sql) const { return ::ask(database, sql.constData()); }
   /// Runs, laps, tracks and points stored, as "1|2|0|3".
   QString counts() const {
     return ask(
@@ -61,7 +61,7 @@ struct StoreFolder {
   }
 };
 
-/// A download batch: runs with times and numbers of their own.
+/// A download batch: runs with times and numbers of their own, the times not in the numbers' order.
 struct Batch {
   RunDictionary runs;
   LapDictionary laps;
@@ -71,7 +71,7 @@ struct Batch {
   void add(qint64 number, const QString& name, int lapCount, int pointCount) {
     keys << QString::asprintf("%02llX", number);
     runData& run = runs[keys.last()];
-    run.T_RunStartTime = QString::asprintf("2014-05-%02lld 07:30:05", number);
+    run.T_RunStartTime = QString::asprintf("2014-05-%02lld 07:30:05", number % 29);
     run.T_RunName = name;
     run.T_RunLap = lapCount;
     run.T_RunTrackPoint = pointCount;
