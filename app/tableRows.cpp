@@ -1,6 +1,7 @@
 #include "app/tableRows.h"
 
 #include "base/text.h"
+#include "data/recordOrder.h"
 #include "stats/units.h"
 
 namespace {
@@ -44,10 +45,6 @@ pViewData pointRow(const trackPointData& point) {
           point.T_PointAlti};
 }
 
-QString rowKey(const QString& prefix, qsizetype number) {
-  return prefix + QString::number(number);
-}
-
 }  // namespace
 
 tViewData runRow(const runData& run) {
@@ -59,10 +56,8 @@ std::vector<lViewData> lapRows(const runData& run, const LapDictionary& laps, qi
   std::vector<lViewData> rows;
   rows.reserve(static_cast<std::size_t>(laps.size()) + 1);
   rows.push_back(summaryRow(run, calories));
-  const QString prefix = QString::number(number) + u'-';
-  for (qsizetype i = 0; i < laps.size(); ++i) {
-    const auto lap = laps.constFind(rowKey(prefix, i + 1));
-    if (lap != laps.constEnd()) {
+  for (const lapData* lap : inOrder(laps, number)) {
+    if (lap != nullptr) {
       rows.push_back(lapRow(*lap, calories));
     }
   }
@@ -73,10 +68,8 @@ std::vector<pViewData> pointRows(const PointDictionary& points, qint64 number) {
   std::vector<pViewData> rows;
   rows.reserve(static_cast<std::size_t>(points.size()));
   // The point keys carry the number as a 32-bit one, unlike the lap keys.
-  const QString prefix = QString::number(static_cast<qint32>(number)) + u'-';
-  for (qsizetype i = 0; i < points.size(); ++i) {
-    const auto point = points.constFind(rowKey(prefix, i + 1));
-    if (point != points.constEnd()) {
+  for (const trackPointData* point : inOrder(points, static_cast<qint32>(number))) {
+    if (point != nullptr) {
       rows.push_back(pointRow(*point));
     }
   }

@@ -1,8 +1,8 @@
 #include "export/gpxWriter.h"
 
 #include "base/text.h"
+#include "data/recordOrder.h"
 #include "export/pointTime.h"
-#include "export/recordOrder.h"
 #include "export/xmlDocument.h"
 #include "export/xmlNamespaces.h"
 
@@ -80,7 +80,7 @@ QByteArray printPoints(const PointDictionary& points, qint64 number, PointTime t
   printed.reserve(points.size() * bytesPerPoint);
   GpxTrackPoint trackPoint;
   for (const trackPointData* point : inOrder(points, number)) {
-    if (hasFix(*point)) {
+    if (point != nullptr && hasFix(*point)) {
       xml::appendElement(printed, trackPoint.of(*point, time.of(*point)), pointDepth);
     }
   }

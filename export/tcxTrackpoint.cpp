@@ -15,7 +15,7 @@ TcxTrackpoint::TcxTrackpoint()
   pugi::xml_node heartRate = full_.append_child("HeartRateBpm");
   heartRate.append_attribute("xsi:type") = "HeartRateInBeatsPerMinute_t";
   heartRate_ = xml::addElement(heartRate, "Value");
-  // The misspelt name is part of the files that this program has always written; readers skip it.
+  // Misspelt, and kept: stored files and their readers rely on it.
   pugi::xml_node extension = full_.append_child("Extersions").append_child("TPX");
   extension.append_attribute("xmlns") = xmlns::activityExtension;
   speed_ = xml::addElement(extension, "Speed");

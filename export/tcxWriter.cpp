@@ -1,8 +1,8 @@
 #include "export/tcxWriter.h"
 
 #include "base/text.h"
+#include "data/recordOrder.h"
 #include "export/pointTime.h"
-#include "export/recordOrder.h"
 #include "export/tcxTrackpoint.h"
 #include "export/xmlDocument.h"
 #include "export/xmlNamespaces.h"
@@ -10,6 +10,7 @@
 #include <QByteArrayList>
 #include <QStringView>
 
+#include <algorithm>
 #include <pugixml.hpp>
 #include <utility>
 #include <vector>
@@ -21,8 +22,17 @@ constexpr unsigned pointDepth = 5;  // of a "Trackpoint" below the root
 
 const trackPointData noPoint;
 
+// The run's records in order; one that is missing counts as one without values.
+template <typename Record>
+std::vector<const Record*> countedRecords(const QHash<QString, Record>& records, qint64 number) {
+  static const Record absent;
+  std::vector<const Record*> counted = inOrder(records, number);
+  std::replace(counted.begin(), counted.end(), static_cast<const Record*>(nullptr), &absent);
+  return counted;
+}
+
 // The duration's fields stand at fixed places of "HH:MM:SS.hh". The hundredths are added as whole
-// seconds: training logs filled from these files would show a jump if that were changed.
+// seconds. Kept: stored files and their readers rely on it.
 double lapSeconds(QStringView time) {
   const auto field = [time](qsizetype at) { return text::toDouble(time.mid(at, 2)); };
   return 3600 * field(0) + 60 * field(3) + field(6) + field(9);
@@ -59,7 +69,9 @@ class TcxLaps {
 
 TcxLaps::TcxLaps(const LapDictionary& laps, const PointDictionary& points, qint64 number,
                  PointTime time)
-    : laps_(inOrder(laps, number)), points_(inOrder(points, number)), time_(std::move(time)) {}
+    : laps_(countedRecords(laps, number)),
+      points_(countedRecords(points, number)),
+      time_(std::move(time)) {}
 
 void TcxLaps::addTo(pugi::xml_node activity, const QByteArray& startTime) {
   for (size_t i = 0; i < laps_.size(); ++i) {

@@ -5,7 +5,7 @@
 #include <cmath>
 
 double sumDist(double a, double b, double c, double d) {
-  constexpr double shortPi = 3.1415926;  // seven decimals: distances stay comparable with old ones
+  constexpr double shortPi = 3.1415926;  // seven decimals, kept so
   constexpr double radius = 6378245.0;   // metres
   const double parallel = shortPi * (radius * std::cos(((c + d) / 2) * shortPi / 180)) / 180;
   const double dx = std::abs(b - a) * parallel;

@@ -2,13 +2,12 @@
 
 #include "base/text.h"
 #include "data/pauseFinder.h"
+#include "data/recordOrder.h"
 #include "map/chinaShift.h"
 
 #include <QLoggingCategory>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -35,10 +34,6 @@ struct Dialect {
   QString (*arrow)(Position from, Position to);
 };
 
-bool isDigit(QChar c) {
-  return c >= u'0' && c <= u'9';
-}
-
 /// Whether script reads the text as the decimal number that it looks like: digits, at most one
 /// point with digits on both sides, no zeros in front (those would make it octal).
 bool isPlainDecimal(QStringView value) {
@@ -46,13 +41,13 @@ bool isPlainDecimal(QStringView value) {
     value = value.sliced(1);
   }
   const auto* const end = value.end();
-  const auto* const point = std::find_if_not(value.begin(), end, isDigit);
+  const auto* const point = std::find_if_not(value.begin(), end, text::isDigit);
   const auto whole = point - value.begin();
   if (whole == 0 || (whole > 1 && value.front() == u'0')) {
     return false;
   }
   return point == end ||
-         (*point == u'.' && point + 1 != end && std::all_of(point + 1, end, isDigit));
+         (*point == u'.' && point + 1 != end && std::all_of(point + 1, end, text::isDigit));
 }
 
 /// Databases may come from strangers: only numbers may get into the script.
@@ -80,7 +75,7 @@ bool hasLetters(const trackPointData& point) {
          point.T_PointLogSign == u"E" || point.T_PointLogSign == u"W";
 }
 
-/// Some watches' signs were stored as the decimal codes of the letters E and N.
+/// The codes of the letters E and N, written as decimal numbers, count as well.
 bool hasLetterCodes(const trackPointData& point) {
   return point.T_PointLogSign == u"69" && point.T_PointLatSign == u"78";
 }
@@ -202,26 +197,6 @@ class BreakList {
   QString list_;
 };
 
-/// The keys of a run's points, all in one text: making a new one for each point costs more than
-/// finding the point.
-class PointKey {
- public:
-  explicit PointKey(qint64 number) : key_(QString::number(number) + u'-'), start_(key_.size()) {}
-
-  /// Valid until the next call.
-  const QString& ofPoint(int sequence) {
-    std::array<char, 12> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written below
-    const auto end = std::to_chars(digits.begin(), digits.end(), sequence).ptr;
-    key_.truncate(start_);
-    key_ += QLatin1StringView(digits.data(), end);
-    return key_;
-  }
-
- private:
-  QString key_;
-  qsizetype start_;
-};
-
 void widen(TrackBounds& bounds, Position position) {
   if (bounds.maxLat == TrackBounds::unset) {
     bounds = {position.lat, position.lat, position.lon, position.lon};
@@ -242,11 +217,11 @@ TrackOverlay build(const Dialect& dialect, const PointDictionary& pointDic, qint
   overlay.expression.reserve(count * lengthOfPoint);
   MiddleStretch middle(count);
   BreakList breaks(dialect, static_cast<quint64>(count));
-  PointKey key(number);
 
-  for (int i = 0; i < count; ++i) {
-    const auto point = pointDic.constFind(key.ofPoint(i + 1));
-    if (point == pointDic.constEnd()) {
+  int next = 0;
+  for (const trackPointData* point : inOrder(pointDic, number)) {
+    const int i = next++;
+    if (point == nullptr) {
       qCInfo(lcTrack, "%d", i);
       continue;
     }

@@ -12,12 +12,10 @@
 qsizetype placeOf(QStringView key, QStringView prefix);
 
 /// The laps or points of the run with the activity number `number` in their order, as many as the
-/// dictionary has entries. One whose key is missing is answered as a record without values. The
-/// records stay the dictionary's.
+/// dictionary has entries. Null for one whose key is missing. The records stay the dictionary's.
 template <typename Record>
 std::vector<const Record*> inOrder(const QHash<QString, Record>& records, qint64 number) {
-  static const Record absent;
-  std::vector<const Record*> result(static_cast<size_t>(records.size()), &absent);
+  std::vector<const Record*> result(static_cast<size_t>(records.size()), nullptr);
   const QString prefix = QString::number(number) + u'-';
   // One walk through the dictionary as it lies in memory: looking up key after key takes a third of
   // the time of an export when the run is long.

@@ -1,4 +1,4 @@
-#include "export/recordOrder.h"
+#include "data/recordOrder.h"
 
 #include "base/text.h"
 
@@ -10,9 +10,8 @@ qsizetype placeOf(QStringView key, QStringView prefix) {
   }
   // "02", "+2" or "2x" reads as 2 as well, but is another key.
   const QStringView digits = key.sliced(prefix.size());
-  const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
   if (digits.isEmpty() || digits.front() == u'0' ||
-      !std::all_of(digits.begin(), digits.end(), isDigit)) {
+      !std::all_of(digits.begin(), digits.end(), text::isDigit)) {
     return -1;
   }
   return text::toInteger(digits) - 1;
