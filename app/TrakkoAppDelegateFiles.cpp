@@ -9,7 +9,7 @@
 #include "export/fileWriter.h"
 #include "export/gpxWriter.h"
 #include "export/offsetText.h"
-#include "export/tcxWriter.h"
+#include "export/runExport.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -18,11 +18,6 @@
 Q_LOGGING_CATEGORY(lcFiles, "trakko.files", QtInfoMsg)
 
 namespace {
-
-/// The local zone's offset text at this moment; exported times carry it whatever the run's date.
-QString offsetNow() {
-  return offsetText(QDateTime::currentDateTime().offsetFromUtc());
-}
 
 QString withT(const QString& startTime) {
   return QString(startTime).replace(u' ', u'T');
@@ -43,16 +38,16 @@ QByteArray TrakkoAppDelegate::convertTCX(qint64 /*number*/) {
     return {};
   }
   dataControl store;
-  pointDic = store.getTrackData(static_cast<qint32>(currentNumber));
-  lapDic = store.getLapData(static_cast<qint32>(currentNumber));
-  const QString startTime = store.GetTrackName(currentNumber);
-  myTrackName = withT(startTime);
-  return writeTcx(lapDic, pointDic, currentNumber, startTime, offsetNow());
+  const RunToExport run = readRun(store, currentNumber, ExportFormat::Tcx);
+  pointDic = run.points;
+  lapDic = run.laps;
+  myTrackName = withT(run.startTime);
+  return exportRun(run, ExportFormat::Tcx, offsetNow()).bytes;
 }
 
 void TrakkoAppDelegate::SaveTCXFile() {
   const QByteArray data = convertTCX(currentNumber);
-  saveFile(data, tcxFileName(myTrackName), QStringLiteral("TCX"));
+  saveFile(data, exportFileName(myTrackName, ExportFormat::Tcx), formatName(ExportFormat::Tcx));
 }
 
 QByteArray TrakkoAppDelegate::convertGPX(const QString& startStamp) {
@@ -60,16 +55,16 @@ QByteArray TrakkoAppDelegate::convertGPX(const QString& startStamp) {
 }
 
 void TrakkoAppDelegate::saveGPXFile() {
-  constexpr qsizetype fewestPoints = 3;
   if (currentNumber <= 0) {
     return;
   }
   dataControl store;
-  pointDic = store.getTrackData(static_cast<qint32>(currentNumber));
-  const QString startTime = store.GetTrackName(currentNumber);
-  myTrackName = withT(startTime);
-  if (pointDic.size() >= fewestPoints) {
-    saveFile(convertGPX(myTrackName), gpxFileName(startTime), QStringLiteral("GPX"));
+  const RunToExport run = readRun(store, currentNumber, ExportFormat::Gpx);
+  pointDic = run.points;
+  myTrackName = withT(run.startTime);
+  if (pointDic.size() >= fewestGpxPoints) {
+    saveFile(convertGPX(myTrackName), exportFileName(run.startTime, ExportFormat::Gpx),
+             formatName(ExportFormat::Gpx));
   }
 }
 
