@@ -3,6 +3,8 @@
 #include "base/text.h"
 #include "data/connection.h"
 #include "data/dataControl.h"
+#include "data/fileState.h"
+#include "data/pointLocator.h"
 #include "data/rows.h"
 
 #include <sqlite3.h>
@@ -27,6 +29,17 @@ QByteArray withNumber(QByteArrayView before, qint64 number, QByteArrayView after
 
 QByteArray startedBetween(const QString& first, const QString& last) {
   return withText(" Where T_RunStartTime Between '", first, "' and '") + withText("", last, "' ");
+}
+
+/// The condition for the rows of a run, with where they lie as far as that is known.
+QByteArray ofRun(const Reading& reading, sqlite3* connection, pointLocator::Table table,
+                 qint32 number) {
+  QByteArray condition = withNumber("T_Cnumber=", number);
+  const auto range = reading ? pointLocator::rangeOf(connection, table, number) : std::nullopt;
+  if (range) {
+    condition += withNumber(" And ID Between ", range->first) + withNumber(" And ", range->last);
+  }
+  return condition;
 }
 
 runData runOf(Rows& row) {
@@ -102,8 +115,10 @@ RunDictionary dataControl::getRunData(const QString& start, const QString& endDa
 }
 
 LapDictionary dataControl::getLapData(qint32 number) {
-  Rows rows(usable(), withNumber("Select * From T_LapData Where T_Cnumber=", number,
-                                 " order by T_LapNo Asc"));
+  const Reading reading(usable());
+  Rows rows(usable(), "Select * From T_LapData Where " +
+                          ofRun(reading, usable(), pointLocator::Table::laps, number) +
+                          " order by T_LapNo Asc");
   LapDictionary laps;
   while (rows.next()) {
     laps.insert(rows.joined(15, 5), lapOf(rows));
@@ -112,8 +127,10 @@ LapDictionary dataControl::getLapData(qint32 number) {
 }
 
 PointDictionary dataControl::getTrackData(qint32 number) {
-  Rows rows(usable(), withNumber("Select * From T_TrackPointData Where T_Cnumber=", number,
-                                 " order by T_SetId Asc"));
+  const Reading reading(usable());
+  Rows rows(usable(), "Select * From T_TrackPointData Where " +
+                          ofRun(reading, usable(), pointLocator::Table::points, number) +
+                          " order by T_SetId Asc");
   PointDictionary points;
   qint64 found = 0;
   qint64 withFix = 0;
