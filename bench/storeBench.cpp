@@ -2,9 +2,8 @@
 // two in turn and compared by their medians. "ratio" above 1 means faster than the shell. The
 // shell's time includes its start as a process, which "shell_start_ms" gives by itself.
 
+#include "bench/sampleRuns.h"
 #include "bench/sqliteShell.h"
-#include "data/bundle.h"
-#include "data/dataControl.h"
 
 #include <QFile>
 #include <QLoggingCategory>
@@ -52,63 +51,23 @@ void compare(benchmark::State& state, const Folder& folder, double rows, Prepare
   state.counters["shell_start_ms"] = 1000.0 * median(startTimes);
 }
 
-trackPointData samplePoint(qint64 number) {
-  const int second = static_cast<int>(number % 60);
-  return {QString::asprintf("07:%02d:%02d", static_cast<int>(number / 60 % 60), second),
-          QString::asprintf("139\u00b0%02d.1756", second),
-          QStringLiteral("E"),
-          QString::asprintf("35\u00b0%02d.2345", second),
-          QStringLiteral("N"),
-          QString::asprintf("139.%06lld", 700000 + number),
-          QString::asprintf("35.%06lld", 600000 + number),
-          QString::number(500 + second),
-          QString::number(700 + second),
-          QString::number(40 + second),
-          QStringLiteral("00:00:00"),
-          QString::number(number * 300),
-          QString::number(number * 7),
-          number,
-          1};
+QByteArray scriptOf(const SampleRun& run) {
+  QByteArray text =
+      "begin transaction;\n" + dataControl::runSqlStr(run.runs[run.keys.first()]) + '\n';
+  for (qsizetype i = 1; i <= run.points.size(); ++i) {
+    text += dataControl::trackPointSqlStr(run.points[run.key(i)]) + '\n';
+  }
+  return text + "commit transaction;\n";
 }
-
-/// A download batch of one run with no laps.
-struct Batch {
-  RunDictionary runs;
-  LapDictionary laps;
-  PointDictionary points;
-  QStringList keys{QStringLiteral("0A")};
-
-  explicit Batch(qint64 count) {
-    runData run;
-    run.T_RunStartTime = QStringLiteral("2014-05-17 07:30:05");
-    run.T_RunTrackPoint = count;
-    run.T_Cnumber = 1;
-    runs.insert(keys.first(), run);
-    for (qint64 i = 1; i <= count; ++i) {
-      points.insert(QStringLiteral("0A-") + dataControl::returnKeyStr(QString::number(i)),
-                    samplePoint(i));
-    }
-  }
-
-  QByteArray script() const {
-    QByteArray text = "begin transaction;\n" + dataControl::runSqlStr(runs[keys.first()]) + '\n';
-    for (qsizetype i = 1; i <= points.size(); ++i) {
-      const QString key = dataControl::returnKeyStr(QString::number(i));
-      text += dataControl::trackPointSqlStr(points[QStringLiteral("0A-") + key]) + '\n';
-    }
-    return text + "commit transaction;\n";
-  }
-};
 
 void store(benchmark::State& state) {
   const Folder folder;
-  const Batch batch(state.range(0));
-  const QString script = writeScript(folder.file("store.sql"), batch.script());
+  const SampleRun run(1, 0, state.range(0));
+  const QString script = writeScript(folder.file("store.sql"), scriptOf(run));
   compare(
       state, folder, static_cast<double>(state.range(0) + 1), [&] { folder.startAnew(); },
       [&] {
-        dataControl data;
-        if (data.getSqlArr(batch.runs, batch.laps, batch.points, batch.keys) != 1) {
+        if (!run.store()) {
           state.SkipWithError("not stored");
         }
       },
