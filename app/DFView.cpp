@@ -2,8 +2,10 @@
 
 #include "app/calendarMonth.h"
 #include "base/text.h"
+#include "data/bundle.h"
 #include "data/dataControl.h"
 
+#include <QFileInfo>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -17,6 +19,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using calendarMonth::Mark;
+
+/// What a download stores comes run by run; the days are drawn a few times a second meanwhile.
+constexpr int settlingTime = 200;  // milliseconds
 
 constexpr OutlinedText::Style headingStyle{14, 0.5};
 constexpr OutlinedText::Style dayStyle{12, 2};
@@ -42,27 +47,21 @@ QString tipOf(Mark mark) {
 DFView::DFView(QWidget* parent) : QWidget(parent), currentDay(QDate::currentDate()) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::TabFocus);
+  changed_.setSingleShot(true);
+  changed_.setInterval(settlingTime);
+  connect(&changed_, &QTimer::timeout, this, &DFView::redrawChanged);
+  connect(&watcher_, &QFileSystemWatcher::directoryChanged, &changed_, [this] {
+    if (!changed_.isActive()) {
+      changed_.start();
+    }
+  });
   setAccessibleName(u"カレンダー"_s);
 }
 
 qint32 DFView::monthCount(qint32 year, qint32 month) {
-  switch (month) {
-    case 1:
-    case 3:
-    case 5:
-    case 7:
-    case 8:
-    case 10:
-    case 12:
-      return 31;
-    case 4:
-    case 6:
-    case 9:
-    case 11:
-      return 30;
-    default:
-      return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 29 : 28;
-  }
+  const bool isMonth = month >= 1 && month <= 12;
+  // By remainders, for years without a calendar, too; those divisible by 400 have the same months.
+  return QDate(2000 + year % 400, isMonth ? month : 2, 1).daysInMonth();
 }
 
 DFView::Components DFView::dateComponent(QDate date) {
@@ -114,15 +113,34 @@ void DFView::drawRect(const QRectF& /*dirtyRect*/) {
   currentDay = returnCurrentD();
   const Components first = dateComponent(currentDay);
   const QString title = monthTitle(first);
-  texts.draw(painter, title, calendarMonth::titleOrigin, dayStyle, Qt::white);
+  texts_.draw(painter, title, calendarMonth::titleOrigin, dayStyle, Qt::white);
   const QStringList runDays = drawDays(painter, first);
   drawFocus(painter);
+  drawn_ = stamp();
   setAccessibleDescription(
       runDays.isEmpty() ? title : title + u" 記録のある日: "_s + runDays.join(u", "_s));
 }
 
 void DFView::viewDidMoveToWindow() {
   setMouseTracking(true);
+  // Every change of the store makes and removes a journal beside it, and a restored file is renamed
+  // into its place: watching the folder is enough, and does not touch the file.
+  const QString folder = folderBeside(mainBundle());
+  if (!folder.isEmpty() && !watcher_.directories().contains(folder)) {
+    watcher_.addPath(folder);
+  }
+}
+
+DFView::Stamp DFView::stamp() {
+  const QFileInfo database(databasePath(mainBundle()));
+  return {database.lastModified(), database.size()};
+}
+
+// The drawing may touch the folder itself, where the tables are missing; that is no change.
+void DFView::redrawChanged() {
+  if (stamp() != drawn_) {
+    update();
+  }
 }
 
 QSize DFView::sizeHint() const {
@@ -174,6 +192,13 @@ void DFView::showEvent(QShowEvent* event) {
   viewDidMoveToWindow();
 }
 
+void DFView::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+    update();
+  }
+}
+
 QPointF DFView::upward(QPointF position) const {
   return {position.x(), height() - position.y()};
 }
@@ -191,8 +216,8 @@ void DFView::step(qint32 preNext) {
 void DFView::drawHeader(QPainter& painter) {
   static constexpr std::array weekdays{u'月', u'火', u'水', u'木', u'金', u'土', u'日'};
   for (size_t column = 0; column < weekdays.size(); ++column) {
-    texts.draw(painter, QString(weekdays[column]),
-               calendarMonth::headingOrigin(static_cast<int>(column)), headingStyle, Qt::white);
+    texts_.draw(painter, QString(weekdays[column]),
+                calendarMonth::headingOrigin(static_cast<int>(column)), headingStyle, Qt::white);
   }
   painter.setPen(Qt::black);
   painter.setBrush(Qt::black);
@@ -219,7 +244,7 @@ QStringList DFView::drawDays(QPainter& painter, const Components& first) {
     if (hasRun) {
       runDays.append(number);
     }
-    texts.draw(painter, number, day.origin, dayStyle, hasRun ? Qt::red : Qt::white);
+    texts_.draw(painter, number, day.origin, dayStyle, hasRun ? Qt::red : Qt::white);
   }
   return runDays;
 }

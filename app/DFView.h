@@ -3,12 +3,18 @@
 #include "app/outlinedText.h"
 
 #include <QDate>
+#include <QDateTime>
+#include <QFileSystemWatcher>
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
+
+#include <utility>
 
 /// The calendar: one month, with the days on which a stored run started in red, and two marks that
 /// step to the month before and after. It asks the store by itself, one question a day, whenever it
-/// is drawn; a click on a day does nothing. Main thread.
+/// is drawn, and asks to be drawn when its window becomes active and when the store has changed; a
+/// click on a day does nothing. Main thread.
 ///
 /// Points given to mouseMoved() and mouseDown() have their origin in the view's lower-left corner
 /// and y growing upward, like all of its geometry (calendarMonth).
@@ -50,7 +56,7 @@ class DFView : public QWidget {
   void mouseDown(QPointF point);
   /// Draws the whole month; `dirtyRect` is not needed for that.
   void drawRect(const QRectF& dirtyRect);
-  /// Makes the view receive mouse moves without a button pressed.
+  /// Makes the view receive mouse moves without a button pressed, and watch the store.
   void viewDidMoveToWindow();
 
   QSize sizeHint() const override;
@@ -63,13 +69,22 @@ class DFView : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
-  OutlinedText texts;
+  /// When the database was last written, and its size.
+  using Stamp = std::pair<QDateTime, qint64>;
 
+  static Stamp stamp();
+  void redrawChanged();
   QPointF upward(QPointF position) const;
   void step(qint32 preNext);
   void drawHeader(QPainter& painter);
   QStringList drawDays(QPainter& painter, const Components& first);
   void drawFocus(QPainter& painter) const;
+
+  OutlinedText texts_;
+  QFileSystemWatcher watcher_;
+  QTimer changed_;
+  Stamp drawn_;  ///< Of the database that the view shows.
 };

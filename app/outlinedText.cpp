@@ -24,17 +24,17 @@ QFont heavyFont(int size) {
 
 void OutlinedText::draw(QPainter& painter, const QString& text, QPointF origin, const Style& style,
                         const QColor& foreground) {
-  if (const qreal ratio = painter.device()->devicePixelRatioF(); ratio != pixelRatio) {
-    pictures.clear();  // the window has moved to another screen
-    pixelRatio = ratio;
+  if (const qreal ratio = painter.device()->devicePixelRatioF(); ratio != pixelRatio_) {
+    pictures_.clear();  // the window has moved to another screen
+    pixelRatio_ = ratio;
   }
   const Key key(text, {style.size, foreground.rgb()});
   Picture picture;
-  if (const Picture* known = pictures.object(key)) {
+  if (const Picture* known = pictures_.object(key)) {
     picture = *known;
   } else {
     picture = paint(text, style, foreground);
-    pictures.insert(key, new Picture(picture));
+    pictures_.insert(key, new Picture(picture));
   }
   const QTransform transform = painter.worldTransform();
   painter.resetTransform();
@@ -49,8 +49,8 @@ OutlinedText::Picture OutlinedText::paint(const QString& text, const Style& styl
   glyphs.addText(0, -QFontMetricsF(font).descent(), font, text);
   const QRect area = glyphs.boundingRect().adjusted(-1, -1, 1, 1).toAlignedRect();
 
-  QPixmap pixmap((QSizeF(area.size()) * pixelRatio).toSize());
-  pixmap.setDevicePixelRatio(pixelRatio);
+  QPixmap pixmap((QSizeF(area.size()) * pixelRatio_).toSize());
+  pixmap.setDevicePixelRatio(pixelRatio_);
   pixmap.fill(Qt::transparent);
   QPainter painter(&pixmap);
   painter.setRenderHint(QPainter::Antialiasing);

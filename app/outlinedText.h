@@ -33,8 +33,8 @@ class OutlinedText {
     QPixmap pixmap;
     QPoint offset;  ///< From the lower-left corner of the line to the upper-left of the pixmap.
   };
-  QCache<Key, Picture> pictures{150};  ///< For a paint device of `pixelRatio`.
-  qreal pixelRatio = 1;
+  QCache<Key, Picture> pictures_{150};  ///< For a paint device of `pixelRatio_`.
+  qreal pixelRatio_ = 1;
 
   Picture paint(const QString& text, const Style& style, const QColor& foreground) const;
 };

@@ -4,24 +4,39 @@
 #include "data/dataControl.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
 
 constexpr int viewHeight = 200;  // higher than the drawing, so that its lower-left anchor shows
-
+const QColor ground(128, 128, 128);
+const QColor boxed(242, 170, 182);
 const QDate january(2024, 1, 1);
 const QDate march(2024, 3, 1);
-
-constexpr auto isRed = [](QColor c) { return c.red() > 180 && c.green() < 90 && c.blue() < 90; };
-constexpr auto isWhite = [](QColor c) { return qMin(c.red(), qMin(c.green(), c.blue())) > 200; };
-constexpr auto isBlack = [](QColor c) { return c.lightness() < 10; };
-constexpr auto isBoxed = [](QColor c) { return c == QColor(242, 170, 182); };
 
 QList<calendarMonth::Day> daysOf(QDate month) {
   const DFView::Components first = DFView::dateComponent(month);
   return calendarMonth::days(first.weekday, DFView::monthCount(first.year, first.month));
+}
+
+/// What lies in 16 by 16 points from `origin` on, which counts from below like the view.
+QImage cut(const QPixmap& pixmap, QPointF origin) {
+  return pixmap.toImage()
+      .convertToFormat(QImage::Format_RGB32)
+      .copy(qRound(origin.x()), viewHeight - qRound(origin.y()) - 16, 16, 16);
+}
+
+/// The same piece of a view that shows nothing but the text.
+QImage drawn(const QString& text, QPointF origin, const OutlinedText::Style& style, QColor colour) {
+  QPixmap pixmap(500, viewHeight);
+  pixmap.fill(ground);
+  QPainter painter(&pixmap);
+  painter.translate(0, viewHeight);
+  painter.scale(1, -1);
+  OutlinedText().draw(painter, text, origin, style, colour);
+  return cut(pixmap, origin);
 }
 
 struct View : DFView {
@@ -29,38 +44,15 @@ struct View : DFView {
     resize(500, viewHeight);
     currentDay = day;
   }
-
-  /// How many points of an area have the colour; the origin is below, y upward.
-  static int count(const QImage& image, const QRect& area, bool (*holds)(QColor)) {
-    int result = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-      for (int x = area.left(); x <= area.right(); ++x) {
-        result += holds(image.pixelColor(x, viewHeight - 1 - y)) ? 1 : 0;
-      }
-    }
-    return result;
-  }
-
-  /// The days of the month shown that have the colour somewhere.
-  QList<int> daysWith(bool (*holds)(QColor)) {
-    const QImage image = grab().toImage();
-    QList<int> result;
-    for (const calendarMonth::Day& day : daysOf(currentDay)) {
-      if (count(image, {day.origin.toPoint(), QSize(20, 18)}, holds) > 5) {
-        result.append(day.number);
-      }
-    }
-    return result;
-  }
 };
 
 }  // namespace
 
-class CalendarTest : public QObject {
+class TestCalendar : public QObject {
   Q_OBJECT
 
  private:
-  QTemporaryDir folder;
+  QTemporaryDir folder_;
 
   static void storeRuns(const QStringList& starts) {
     const dataControl tables;
@@ -75,128 +67,136 @@ class CalendarTest : public QObject {
 
  private Q_SLOTS:
   void init() {
-    setMainBundle({folder.filePath("Trakko.app"), "Trakko"});
-    QFile::remove(folder.filePath("gpsData.db3"));
+    setMainBundle({folder_.filePath("Trakko.app"), "Trakko"});
+    QFile::remove(folder_.filePath("gpsData.db3"));
+  }
+
+  static void lengthOfMonths_data() {
+    QTest::addColumn<int>("year");
+    QTest::addColumn<int>("month");
+    QTest::addColumn<int>("days");
+    QTest::newRow("a century is no leap year") << 1900 << 2 << 28;
+    QTest::newRow("four centuries are") << 2000 << 2 << 29;
+    QTest::newRow("December") << 2023 << 12 << 31;
+    QTest::newRow("month 0 counts as February") << 2024 << 0 << 29;
+    QTest::newRow("month 13, too") << 2023 << 13 << 28;
   }
 
   static void lengthOfMonths() {
-    for (int month = 1; month <= 12; ++month) {
-      QCOMPARE(DFView::monthCount(2023, month), QDate(2023, month, 1).daysInMonth());
-    }
-    // Any other month counts as February.
-    const QList<std::array<int, 3>> rows{
-        {1900, 2, 28}, {2000, 2, 29}, {2024, 2, 29}, {2024, 0, 29}, {2023, 13, 28}};
-    for (const auto& [year, month, days] : rows) {
-      QCOMPARE(DFView::monthCount(year, month), days);
-    }
+    QFETCH(int, year);
+    QFETCH(int, month);
+    QTEST(DFView::monthCount(year, month), "days");
+  }
+
+  static void layout_data() {
+    QTest::addColumn<QDate>("month");
+    QTest::addColumn<QPointF>("first");
+    QTest::addColumn<QPointF>("last");
+    QTest::newRow("from Monday") << QDate(2024, 4, 1) << QPointF(50, 100) << QPointF(100, 20);
+    QTest::newRow("from Sunday") << QDate(2023, 10, 1) << QPointF(350, 100) << QPointF(100, 0);
+    QTest::newRow("four weeks") << QDate(2021, 2, 1) << QPointF(50, 100) << QPointF(350, 40);
   }
 
   static void layout() {
-    const QList<std::tuple<QDate, QPointF, QPointF>> rows{
-        {{2024, 4, 1}, {50, 100}, {100, 20}},   // starts on Monday
-        {{2023, 10, 1}, {350, 100}, {100, 0}},  // starts on Sunday and takes six rows
-        {{2024, 3, 1}, {250, 100}, {350, 20}},  // starts on Friday
-        {{2021, 2, 1}, {50, 100}, {350, 40}}};  // exactly four weeks
-    for (const auto& [month, first, last] : rows) {
-      const QList<calendarMonth::Day> days = daysOf(month);
-      QCOMPARE(days.first().origin, first);
-      QCOMPARE(days.last().origin, last);
-      for (const calendarMonth::Day& day : days) {
-        QCOMPARE(day.origin.x(), 50.0 * month.addDays(day.number - 1).dayOfWeek());
-        QCOMPARE(day.box, QRectF(day.origin.x() - 6, day.origin.y() - 2, 30, 20));
-      }
+    QFETCH(QDate, month);
+    const QList<calendarMonth::Day> days = daysOf(month);
+    QTEST(days.first().origin, "first");
+    QTEST(days.last().origin, "last");
+    for (const calendarMonth::Day& day : days) {
+      QCOMPARE(day.origin.x(), 50.0 * month.addDays(day.number - 1).dayOfWeek());
+      QCOMPARE(day.box, QRectF(day.origin.x() - 6, day.origin.y() - 2, 30, 20));
     }
   }
 
-  static void stepping() {
-    const QList<std::tuple<QDate, int, QDate>> rows{{{2024, 2, 29}, 0, {2024, 2, 1}},
-                                                    {{2024, 1, 31}, 1, {2023, 12, 1}},
-                                                    {{2023, 12, 31}, 2, {2024, 1, 1}},
-                                                    {{2023, 3, 31}, 1, {2023, 2, 1}}};
-    for (const auto& [day, step, first] : rows) {
-      View view(day);
-      view.checkPreNext = step;
-      QCOMPARE(view.returnCurrentD(), first);
-    }
-  }
-
-  static void clicks() {
+  static void steps_data() {
+    QTest::addColumn<QDate>("day");
+    QTest::addColumn<QPoint>("point");
+    QTest::addColumn<QDate>("month");
     const QDate before = january.addMonths(-1);
     const QDate after = january.addMonths(1);
-    const QList<std::tuple<QPoint, QDate>> rows{
-        {{15, 140}, before},  {{8, 135}, before},    {{23, 145}, before},
-        {{15, 150}, january}, {{15, 134}, january},  {{24, 140}, january},
-        {{400, 145}, after},  {{416, 140}, january}, {{55, 105}, january}};
-    for (const auto& [point, month] : rows) {
-      View view(january);
-      QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(point.x(), viewHeight - point.y()));
-      QCOMPARE(view.currentDay, month);
-      QCOMPARE(view.checkPreNext, 0);
-    }
-    View view(QDate(9999, 12, 1));  // the last month
-    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(410, viewHeight - 140));
-    QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(15, viewHeight - 140));
-    QCOMPARE(view.currentDay, QDate(9999, 12, 1));
+    QTest::newRow("back, lowest corner") << january << QPoint(8, 135) << before;
+    QTest::newRow("back, highest corner") << january << QPoint(23, 145) << before;
+    QTest::newRow("above the mark") << january << QPoint(15, 150) << january;
+    QTest::newRow("below it") << january << QPoint(15, 134) << january;
+    QTest::newRow("beside it") << january << QPoint(24, 140) << january;
+    QTest::newRow("on") << january << QPoint(400, 145) << after;
+    QTest::newRow("right of it") << january << QPoint(416, 140) << january;
+    QTest::newRow("a day") << january << QPoint(55, 105) << january;
+    QTest::newRow("over the year") << QDate(2023, 12, 31) << QPoint(415, 135) << january;
+    QTest::newRow("from a 31st") << QDate(2023, 3, 31) << QPoint(15, 140) << QDate(2023, 2, 1);
+    QTest::newRow("the last") << QDate(9999, 12, 1) << QPoint(410, 140) << QDate(9999, 12, 1);
+  }
+
+  static void steps() {
+    QFETCH(QDate, day);
+    QFETCH(QPoint, point);
+    View view(day);
+    QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(point.x(), viewHeight - point.y()));
+    QCOMPARE(view.currentDay, day);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(point.x(), viewHeight - point.y()));
+    QTEST(view.currentDay, "month");
+    QCOMPARE(view.checkPreNext, 0);
   }
 
   static void keysAndCursor() {
     View view(january);
     view.show();
-    QVERIFY(view.hasMouseTracking());
     QTest::keyClick(&view, Qt::Key_Left);
     QCOMPARE(view.currentDay, january.addMonths(-1));
     QTest::keyClick(&view, Qt::Key_Right);
     QCOMPARE(view.currentDay, january);
-
     QTest::mouseMove(&view, QPoint(410, viewHeight - 140));
     QTRY_COMPARE(view.cursor().shape(), Qt::PointingHandCursor);
     QTest::mouseMove(&view, QPoint(100, viewHeight - 140));
     QTRY_COMPARE(view.cursor().shape(), Qt::ArrowCursor);
   }
 
-  static void runDays() {
+  static void shownMonth() {
     storeRuns({"2024-03-01 00:00:00", "2024-03-17 07:00:00", "2024-03-17 18:00:00",
-               "2024-02-05 07:00:00", "2023-03-06 07:00:00"});
+               "2024-03-31 23:59:59", "2024-02-05 07:00:00", "2023-03-06 07:00:00"});
     View view(march.addDays(19));
-    QCOMPARE(view.daysWith(isRed), (QList{1, 17}));
-    // The view is told nothing about the store: the next draw finds what has changed.
-    storeRuns({"2024-03-31 23:59:59"});
-    const QList<int> red{1, 17, 31};
-    QCOMPARE(view.daysWith(isRed), red);
-    for (const int white : view.daysWith(isWhite)) {
-      QVERIFY(!red.contains(white));
-    }
-    QCOMPARE(view.daysWith(isWhite).size(), 28);
-    QCOMPARE(view.currentDay, march);
-    QVERIFY(view.accessibleDescription().startsWith("2024-03"));
-  }
-
-  static void boxes() {
-    View view(march);
     view.monthDayDetail = QStringList{"2024-03-14 ", "2024-03-15", "2023-03-16 "};
-    QCOMPARE(view.daysWith(isBoxed), QList<int>{14});
+    const QPixmap pixmap = view.grab();
+    QCOMPARE(view.currentDay, march);
+    const OutlinedText::Style heading{14, 0.5};
+    for (int column = 0; column < 7; ++column) {
+      const QPointF origin(50 + 50 * column, 120);
+      QCOMPARE(cut(pixmap, origin),
+               drawn(QString("月火水木金土日").at(column), origin, heading, Qt::white));
+    }
+    for (const calendarMonth::Day& day : daysOf(march)) {
+      const bool hasRun = QList{1, 17, 31}.contains(day.number);
+      const QString number = QString("%1").arg(day.number, 2, 10, QChar(u'0'));
+      if (day.number != 14) {
+        QCOMPARE(cut(pixmap, day.origin),
+                 drawn(number, day.origin, {12, 2}, hasRun ? Qt::red : Qt::white));
+      }
+    }
+    const auto at = [image = pixmap.toImage()](int x, int y) {
+      return image.pixelColor(x, viewHeight - 1 - y);
+    };
     // 14 March stands in the third row: the box reaches from (194, 58) to (224, 78).
-    const QImage image = view.grab().toImage();
-    QCOMPARE(View::count(image, {195, 59, 5, 18}, isBoxed), 5 * 18);
-    QCOMPARE(View::count(image, {219, 59, 4, 18}, isBoxed), 4 * 18);
-    QCOMPARE(View::count(image, {226, 50, 10, 30}, isBoxed), 0);
-    QCOMPARE(View::count(image, {194, 80, 30, 10}, isBoxed), 0);
+    QCOMPARE(at(196, 76), boxed);
+    QCOMPARE(at(222, 60), boxed);
+    QCOMPARE(at(230, 70), ground);
+    // The marks point outward.
+    QCOMPARE(at(21, 136), QColor(Qt::black));
+    QCOMPARE(at(9, 136), ground);
+    QCOMPARE(at(402, 143), QColor(Qt::black));
+    QCOMPARE(at(414, 143), ground);
   }
 
-  static void header() {
-    const QImage image = View(march).grab().toImage();
-    QCOMPARE(image.pixelColor(0, 0), QColor(128, 128, 128));
-    QCOMPARE(image.pixelColor(499, viewHeight - 1), QColor(128, 128, 128));
-    // The marks point outward: the edge at their tip is narrower than the opposite one.
-    const auto blackAt = [&](int x) { return View::count(image, {x, 135, 3, 10}, isBlack); };
-    QVERIFY(blackAt(8) > 0 && blackAt(8) < blackAt(20) && blackAt(20) > 20);
-    QVERIFY(blackAt(412) > 0 && blackAt(412) < blackAt(400) && blackAt(400) > 20);
-    for (int column = 1; column <= 7; ++column) {
-      QVERIFY(View::count(image, {50 * column, 120, 16, 20}, isWhite) > 10);
-    }
-    QVERIFY(View::count(image, {180, 135, 60, 15}, isWhite) > 50);
+  void redrawsItself() {
+    storeRuns({"2024-03-02 07:00:00"});
+    View view(march);
+    view.show();
+    QTRY_COMPARE(view.accessibleDescription(), "2024-03 記録のある日: 02");
+    storeRuns({"2024-03-05 07:00:00"});
+    QTRY_COMPARE(view.accessibleDescription(), "2024-03 記録のある日: 02, 05");
+    QFile::remove(folder_.filePath("gpsData.db3"));
+    QTRY_COMPARE(view.accessibleDescription(), "2024-03");
   }
 };
 
-QTEST_MAIN(CalendarTest)
+QTEST_MAIN(TestCalendar)
 #include "tst_calendar.moc"
