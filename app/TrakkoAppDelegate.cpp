@@ -4,7 +4,6 @@
 #include "base/mainQueue.h"
 
 #include <QCoreApplication>
-#include <QLabel>
 #include <QLoggingCategory>
 #include <QProgressBar>
 #include <QPushButton>
@@ -95,7 +94,6 @@ void TrakkoAppDelegate::alertUSB(const QString& message) {
   context.dialogs->message(message);
 }
 
-void TrakkoAppDelegate::showStatus(const QString& line) {
-  statusLine->setText(line);
-  statusLine->setToolTip(line);
+void TrakkoAppDelegate::showStatus(const QString& line, Verdict verdict) {
+  statusLine->tell(line, verdict);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/dialogs.h"
+#include "app/statusLine.h"
 #include "app/tableModel.h"
 #include "app/tableRows.h"
 #include "data/databaseFile.h"
@@ -23,7 +24,6 @@
 class DFView;
 class MainWindow;
 class MapView;
-class QLabel;
 class QProgressBar;
 class QPushButton;
 class QTableView;
@@ -60,7 +60,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   QPushButton* getDBu = nullptr;  ///< Hidden at start-up and never shown again.
   QProgressBar* progressBar = nullptr;
   MapView* theWebView = nullptr;
-  QLabel* statusLine = nullptr;  ///< What became of the last command, in one line.
+  StatusLine* statusLine = nullptr;  ///< What became of the last command, in one line.
 
   std::vector<tViewData> runViewData;
   std::vector<lViewData> lapViewData;
@@ -178,7 +178,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code);
   void askToEraseWatch(const std::shared_ptr<usbOperating>& usb);
   void showProgressValue(double value);
-  void showStatus(const QString& line);
+  void showStatus(const QString& line, Verdict verdict = Verdict::note);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
   static std::shared_ptr<LoadedTrack> loadTrack(qint64 number, qint64 lapsNumber, bool google,
                                                 const QString& arrow);

@@ -13,7 +13,6 @@
 #include "web/mapView.h"
 
 #include <QItemSelectionModel>
-#include <QLabel>
 #include <QLoggingCategory>
 #include <QTableView>
 
