@@ -1,5 +1,7 @@
 #include "app/messageBoxes.h"
 
+#include "app/boxOver.h"
+#include "app/shortText.h"
 #include "base/mainQueue.h"
 
 #include <QDir>
@@ -11,19 +13,36 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace {
+
+/// The width at which the text's lines come out about equally long. Japanese breaks anywhere, so a
+/// line that is a little too long leaves half a word for the next one.
+int widthFor(const QString& text, const QFontMetrics& metrics) {
+  const int longest = std::min(34 * metrics.height(), 640);
+  const int margin = metrics.height();
+  int width = 0;
+  for (const QString& line : text.split(u'\n')) {
+    const int whole = metrics.horizontalAdvance(line) + margin;
+    const int lines = whole / longest + 1;
+    width = std::max(width, whole / lines + (lines > 1 ? 2 * margin : 0));
+  }
+  return width;
+}
 
 void fill(QMessageBox& box, const QString& title, const QString& informativeText) {
   box.setWindowTitle(title);
   box.setText(QStringLiteral("<b>") + title + QStringLiteral("</b>"));
   box.setTextFormat(Qt::RichText);
-  box.setInformativeText(informativeText);
+  const QString told = shortened(informativeText, 600);
+  box.setInformativeText(told);
   // The text may quote a file name or other foreign text, which must not be read as markup.
   if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
     label->setTextFormat(Qt::PlainText);
   }
-  // The style's own width breaks Japanese sentences after a few words.
-  box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: 22em; }"));
+  box.setStyleSheet(QStringLiteral("QLabel#qt_msgbox_informativelabel { min-width: %1px; }")
+                        .arg(widthFor(told, box.fontMetrics())));
 }
 
 QString filterFor(const QString& type) {
@@ -46,7 +65,7 @@ void showMessage(QWidget* parent, const QString& text) {
   box->setIcon(QMessageBox::Information);
   box->addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
   box->setAttribute(Qt::WA_DeleteOnClose);
-  box->setModal(true);
+  new BoxOver(box, parent);  // the box owns it
   box->show();
 }
 
@@ -69,36 +88,36 @@ void awaitMessages(const QWidget* parent) {
 }  // namespace
 
 void MessageBoxes::setWindow(QWidget* window) {
-  parent = window;
+  parent_ = window;
 }
 
 void MessageBoxes::message(const QString& text) {
-  performOnMainThread([window = parent, text] { showMessage(window, text); });
+  performOnMainThread([window = parent_, text] { showMessage(window, text); });
 }
 
 bool MessageBoxes::confirmErase(const QString& text) {
-  if (parent) {
-    awaitMessages(parent);
+  if (parent_) {
+    awaitMessages(parent_);
   }
-  QMessageBox box(parent);
+  QMessageBox box(parent_);
   fill(box, QStringLiteral("消去"), text);
   box.setIcon(QMessageBox::Question);
   QPushButton* cancel = box.addButton(QStringLiteral("キャンセル"), QMessageBox::RejectRole);
   QPushButton* erase = box.addButton(QStringLiteral("消去"), QMessageBox::DestructiveRole);
   box.setDefaultButton(cancel);
   box.setEscapeButton(cancel);
-  box.exec();
+  runOver(box, parent_);  // closing the window meanwhile means to keep the data
   return box.clickedButton() == erase;
 }
 
 QString MessageBoxes::fileToSave(const QString& title, const QString& name, const QString& type) {
-  QFileDialog panel(parent, title);
+  QFileDialog panel(parent_, title);
   panel.setAcceptMode(QFileDialog::AcceptSave);
   panel.setNameFilter(filterFor(type));
   panel.setDefaultSuffix(type);
   panel.setDirectory(firstFolder());
   panel.selectFile(name + u'.' + type);
-  while (panel.exec() == QDialog::Accepted) {
+  while (runOver(panel, parent_)) {
     QString chosen = panel.selectedFiles().value(0);
     if (hasType(chosen, type)) {
       return chosen;
@@ -113,11 +132,11 @@ QString MessageBoxes::fileToSave(const QString& title, const QString& name, cons
 }
 
 QString MessageBoxes::fileToOpen(const QString& title, const QString& type) {
-  QFileDialog panel(parent, title);
+  QFileDialog panel(parent_, title);
   panel.setFileMode(QFileDialog::ExistingFile);
   panel.setNameFilter(filterFor(type));
   panel.setDirectory(firstFolder());
-  while (panel.exec() == QDialog::Accepted) {
+  while (runOver(panel, parent_)) {
     QString chosen = panel.selectedFiles().value(0);
     if (hasType(chosen, type)) {
       return chosen;

@@ -17,5 +17,5 @@ class MessageBoxes : public Dialogs {
   QString fileToOpen(const QString& title, const QString& type) override;
 
  private:
-  QPointer<QWidget> parent;
+  QPointer<QWidget> parent_;
 };
