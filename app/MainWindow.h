@@ -1,16 +1,27 @@
 #pragma once
 
+#include "app/windowState.h"
+
 #include <QMainWindow>
+#include <QMap>
+#include <QString>
 
 #include <memory>
 
+class ColumnFitter;
+class QLabel;
+class QPushButton;
 class TrakkoAppDelegate;
 
 namespace Ui {
 class MainWindow;
 }
 
-/// The program's one window. It connects its parts to the controller and keeps nothing itself.
+/// The program's one window. It connects its parts to the controller and keeps nothing itself but
+/// how they are arranged. It is never larger than what its screen has free.
+///
+/// MainWindow.cpp puts it together, MainWindowCommands.cpp holds its commands, keys and menus,
+/// MainWindowLayout.cpp the sizes of its parts.
 class MainWindow : public QMainWindow {
   Q_OBJECT
 
@@ -23,17 +34,39 @@ class MainWindow : public QMainWindow {
   void setMapWidget(QWidget* map);
   /// Puts the profile into its pane, which is hidden until then; the window takes ownership.
   void setProfileWidget(QWidget* profile);
+  /// Arranges the window as the file at `path` says and writes it there when the window is closed.
+  /// Before the window is shown.
+  void keepStateIn(const QString& path);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void connectOutlets();
+  void setUpTables();
   void connectCommands();
+  void connectTables();
+  void connectTotals();
+  void addContextMenus();
+  void showHint();
+
   void arrangePanes();
+  void arrangeHeights(int height);
+  void fitScreen();
+  void restore(const WindowState& state);
+  WindowState state() const;
 
   TrakkoAppDelegate* controller_;
   std::unique_ptr<Ui::MainWindow> ui_;
+  /// Hidden for good. No child of the window, where it would still be read out.
+  std::unique_ptr<QPushButton> downloadButton_;
+  QMap<QString, ColumnFitter*> columns_;  ///< Of the tables, by the names in the state file.
+  QLabel* hint_;                          ///< What to do when there are no runs.
+  qint64 pointsOf_ = 0;                   ///< The run whose points the table shows.
+  bool releaseChose_ = false;             ///< The mouse button going up chose another run.
+  bool heightsChosen_ = false;            ///< The user moved the panes on the right.
+  QString statePath_;                     ///< Null: nothing is kept.
 };

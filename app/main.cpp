@@ -1,8 +1,10 @@
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
+#include "app/commandLine.h"
 #include "app/messageBoxes.h"
 #include "app/singleInstance.h"
 #include "app/startUpCheck.h"
+#include "app/windowState.h"
 #include "data/bundle.h"
 #include "device/udevRegistry.h"
 #include "web/webMapView.h"
@@ -10,11 +12,11 @@
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
-#include <QLabel>
 #include <QLibraryInfo>
 #include <QMessageBox>
 #include <QTranslator>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -44,7 +46,7 @@ void connectMap(WebMapView* map, TrakkoAppDelegate* controller) {
                    &TrakkoAppDelegate::didReceiveTitle);
   QObject::connect(map, &WebMapView::pageReset, controller, &TrakkoAppDelegate::pageReset);
   QObject::connect(map, &WebMapView::gaveUp, controller, [controller] {
-    controller->statusLine->setText(
+    controller->statusLine->showFailure(
         QStringLiteral("地図を表示できません。プログラムを再起動して下さい。"));
   });
 }
@@ -70,10 +72,21 @@ bool tellLauncherProblem() {
   return true;
 }
 
+/// Prints what was asked for instead of the window; false when nothing was.
+bool answersInstead(int argc, char** argv) {
+  const QCoreApplication console(argc, argv);  // needs no display
+  const QString answer = answerTo(QCoreApplication::arguments());
+  std::fputs(qUtf8Printable(answer), stdout);
+  return !answer.isNull();
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
   qputenv("NSZombieEnabled", "NO");
+  if (answersInstead(argc, argv)) {
+    return EXIT_SUCCESS;
+  }
   registerMapScheme();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Trakko"));
@@ -99,6 +112,7 @@ int main(int argc, char* argv[]) {
   dialogs->setWindow(window);
   auto* map = new WebMapView(dialogs);
   window->setMapWidget(map);
+  window->keepStateIn(windowStatePath());
   connectMap(map, controller);
   QObject::connect(&instance, &SingleInstance::raiseRequested, window,
                    [window] { raiseWindow(window); });

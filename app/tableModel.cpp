@@ -1,5 +1,7 @@
 #include "app/tableModel.h"
 
+#include "app/shortText.h"
+
 #include <QTableView>
 
 #include <algorithm>
@@ -8,9 +10,9 @@
 TableModel::TableModel(QTableView* table, const TableDataSource* source,
                        std::vector<TableColumn> columns)
     : QAbstractTableModel(table),
-      tableView(table),
-      dataSource(source),
-      tableColumns(std::move(columns)) {
+      tableView_(table),
+      dataSource_(source),
+      tableColumns_(std::move(columns)) {
   table->setModel(this);
 }
 
@@ -20,29 +22,29 @@ void TableModel::reload() {
 }
 
 void TableModel::setTitle(const QString& identifier, const QString& title) {
-  for (std::size_t i = 0; i < tableColumns.size(); ++i) {
-    if (tableColumns[i].identifier == identifier) {
-      tableColumns[i].title = title;
+  for (std::size_t i = 0; i < tableColumns_.size(); ++i) {
+    if (tableColumns_[i].identifier == identifier) {
+      tableColumns_[i].title = title;
       Q_EMIT headerDataChanged(Qt::Horizontal, static_cast<int>(i), static_cast<int>(i));
     }
   }
 }
 
 int TableModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : std::max(0, dataSource->numberOfRowsInTableView(tableView));
+  return parent.isValid() ? 0 : std::max(0, dataSource_->numberOfRowsInTableView(tableView_));
 }
 
 int TableModel::columnCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(tableColumns.size());
+  return parent.isValid() ? 0 : static_cast<int>(tableColumns_.size());
 }
 
 QVariant TableModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
     return {};
   }
-  const TableColumn& column = tableColumns.at(static_cast<std::size_t>(index.column()));
+  const TableColumn& column = tableColumns_.at(static_cast<std::size_t>(index.column()));
   if (role == Qt::DisplayRole) {
-    return dataSource->tableView(tableView, column.identifier, index.row());
+    return shortened(dataSource_->tableView(tableView_, column.identifier, index.row()));
   }
   if (role == Qt::TextAlignmentRole) {
     return QVariant::fromValue(Qt::AlignVCenter |
@@ -55,7 +57,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
   if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
     return {};
   }
-  const TableColumn& column = tableColumns.at(static_cast<std::size_t>(section));
+  const TableColumn& column = tableColumns_.at(static_cast<std::size_t>(section));
   if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
     return column.title;
   }
@@ -64,6 +66,14 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
                                (column.isNumber ? Qt::AlignRight : Qt::AlignLeft));
   }
   return {};
+}
+
+QStringList TableModel::widestTexts() const {
+  QStringList texts;
+  for (const TableColumn& column : tableColumns_) {
+    texts << column.widestText;
+  }
+  return texts;
 }
 
 // Titles left empty here are set when the window starts.

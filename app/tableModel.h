@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -26,7 +27,8 @@ struct TableColumn {
   QString widestText;    ///< A text as wide as the content gets; gives the first width.
 };
 
-/// The model behind one table view: it asks the data source for every cell.
+/// The model behind one table view: it asks the data source for every cell, and shows of a text no
+/// more than a window can paint.
 class TableModel : public QAbstractTableModel {
   Q_OBJECT
 
@@ -45,12 +47,13 @@ class TableModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation,
                       int role = Qt::DisplayRole) const override;
 
-  const std::vector<TableColumn>& columns() const { return tableColumns; }
+  /// The columns' widest texts.
+  QStringList widestTexts() const;
 
  private:
-  QTableView* tableView;
-  const TableDataSource* dataSource;
-  std::vector<TableColumn> tableColumns;
+  QTableView* tableView_;
+  const TableDataSource* dataSource_;
+  std::vector<TableColumn> tableColumns_;
 };
 
 /// The columns of the runs, laps and points tables.

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
 
@@ -58,6 +59,8 @@ class PaintWatch : public QObject {
 void fillPointsTable(benchmark::State& state) {
   TrakkoAppDelegate controller({});
   MainWindow window(&controller);
+  window.findChild<QTabWidget*>(QStringLiteral("trackTabs"))
+      ->setCurrentWidget(controller.pointView);
   window.show();
   controller.currentNumber = number;
   controller.pointDic = makePoints(static_cast<int>(state.range(0)));

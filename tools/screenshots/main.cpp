@@ -1,0 +1,147 @@
+// Draws a picture of the window, or of one part of it, with the runs of an emulated watch. The real
+// window, controller, map and profile work on a database of their own.
+
+#include "app/MainWindow.h"
+#include "app/TrakkoAppDelegate.h"
+#include "base/text.h"
+#include "data/bundle.h"
+#include "device/udevRegistry.h"
+#include "tools/watchsim/emulatedWatch.h"
+#include "tools/watchsim/watchMemory.h"
+#include "web/webMapView.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QStatusBar>
+#include <QStyleFactory>
+#include <QTabWidget>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+/// Says nothing and keeps the watch as it is.
+class NoDialogs : public Dialogs {
+ public:
+  void message(const QString& text) override { std::fputs(qUtf8Printable(text + u'\n'), stderr); }
+  bool confirmErase(const QString& /*text*/) override { return false; }
+  QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
+  QString fileToOpen(const QString&, const QString&) override { return {}; }
+};
+
+void addOptions(QCommandLineParser& parser) {
+  parser.addHelpOption();
+  parser.addOptions(
+      {{QStringLiteral("size"), QStringLiteral("Of the window."), QStringLiteral("WxH"),
+        QStringLiteral("1280x800")},
+       {QStringLiteral("font"), QStringLiteral("Size in points."), QStringLiteral("N"),
+        QStringLiteral("10")},
+       {QStringLiteral("dark"), QStringLiteral("Light on dark.")},
+       {QStringLiteral("totals"), QStringLiteral("With the totals in place of the runs.")},
+       {QStringLiteral("runs"), QStringLiteral("On the watch."), QStringLiteral("N"),
+        QStringLiteral("12")},
+       {QStringLiteral("part"), QStringLiteral("Name of the only widget to draw."),
+        QStringLiteral("NAME")},
+       {QStringLiteral("width"), QStringLiteral("Of the picture, to make it smaller."),
+        QStringLiteral("N")}});
+  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The picture to write."));
+}
+
+void goDark() {
+  QPalette palette(QColor(49, 54, 59));
+  palette.setColor(QPalette::Base, QColor(35, 38, 41));
+  palette.setColor(QPalette::AlternateBase, QColor(42, 46, 50));
+  palette.setColor(QPalette::Highlight, QColor(61, 174, 233));
+  QApplication::setPalette(palette);
+}
+
+void wait(int milliseconds) {
+  QElapsedTimer passed;
+  passed.start();
+  while (passed.elapsed() < milliseconds) {
+    QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+  }
+}
+
+ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
+  ControllerContext context;
+  context.dialogs = dialogs;
+  context.device.registry = std::make_shared<UdevRegistry>();
+  context.device.messenger = dialogs;
+  context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
+  return context;
+}
+
+/// Downloads from the watch and lets the map draw.
+void fill(TrakkoAppDelegate* controller, qsizetype runs) {
+  constexpr int step = 200;
+  constexpr int longest = 300;
+  controller->awakeFromNib();
+  controller->applicationDidFinishLaunching();
+  wait(5 * step);
+  controller->downloadDataBu();
+  for (int i = 0; i < longest && controller->runKArr.size() < runs; ++i) {
+    wait(step);
+  }
+  wait(30 * step);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  registerMapScheme();
+  QApplication application(argc, argv);
+  QCommandLineParser parser;
+  addOptions(parser);
+  parser.process(application);
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("fusion")));
+  QFont font(QStringLiteral("Noto Sans CJK JP"));
+  font.setPointSize(text::toInt32(parser.value(QStringLiteral("font"))));
+  QApplication::setFont(font);
+  if (parser.isSet(QStringLiteral("dark"))) {
+    goDark();
+  }
+
+  const QTemporaryDir folder;
+  QFile::link(QStringLiteral(TRAKKO_IMAGES), folder.filePath(QStringLiteral("png")));
+  setMainBundle({folder.filePath(QStringLiteral("Trakko.app")), QStringLiteral("Trakko")});
+  const qint32 runs = text::toInt32(parser.value(QStringLiteral("runs")));
+  EmulatedWatch watch(
+      {.memory = makeMemory({.runs = runs, .today = QDate(2026, 11, 21)}), .fullSpeed = true});
+  watch.start();
+  qputenv("TRAKKO_WATCH_PORT", watch.path().toUtf8());
+
+  const auto dialogs = std::make_shared<NoDialogs>();
+  auto* controller = new TrakkoAppDelegate(contextFor(dialogs));
+  auto* window = new MainWindow(controller);
+  auto* map = new WebMapView(dialogs, configuredMapSettings(), {});
+  window->setMapWidget(map);
+  controller->theWebView = map;
+  QObject::connect(map, &WebMapView::titleReceived, controller,
+                   &TrakkoAppDelegate::didReceiveTitle);
+  const QStringList size = parser.value(QStringLiteral("size")).split(u'x');
+  window->setWindowState(Qt::WindowNoState);
+  window->resize(text::toInt32(size.value(0)), text::toInt32(size.value(1)));
+  window->show();
+  fill(controller, runs);
+  if (parser.isSet(QStringLiteral("totals"))) {
+    window->findChild<QTabWidget*>(QStringLiteral("runTabs"))->setCurrentIndex(1);
+    wait(500);
+  }
+
+  auto* part = parser.isSet(QStringLiteral("part"))
+                   ? window->findChild<QWidget*>(parser.value(QStringLiteral("part")))
+                   : window;
+  QPixmap picture = part->grab();
+  if (parser.isSet(QStringLiteral("width"))) {
+    picture = picture.scaledToWidth(text::toInt32(parser.value(QStringLiteral("width"))),
+                                    Qt::SmoothTransformation);
+  }
+  const bool isSaved = picture.save(parser.positionalArguments().value(0));
+  // Threads of the controller may still run.
+  std::_Exit(isSaved ? EXIT_SUCCESS : EXIT_FAILURE);
+}
