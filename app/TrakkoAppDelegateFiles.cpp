@@ -23,6 +23,24 @@ QString withT(const QString& startTime) {
   return QString(startTime).replace(u' ', u'T');
 }
 
+/// Why it failed, as the end of a sentence; null when it did not.
+QString reason(databaseFile::Failure failure) {
+  using databaseFile::Failure;
+  switch (failure) {
+    case Failure::none:
+      break;
+    case Failure::unreadable:
+      return QStringLiteral("ファイルを読み込めません。");
+    case Failure::exists:
+      return QStringLiteral("同じ名前のファイルが既にあります。");
+    case Failure::busy:
+      return QStringLiteral("データベースは使用中です。");
+    case Failure::unwritable:
+      return QStringLiteral("ファイルを書き込めません。空き容量とアクセス権を確認して下さい。");
+  }
+  return {};
+}
+
 QString restoredNoDatabase(const QString& chosen, const QString& database) {
   const QString told = QStringLiteral("「%1」はデータベースではないか、壊れています。").arg(chosen);
   const QFileInfo kept(databaseFile::beforeRestore(database));
@@ -120,5 +138,5 @@ void TrakkoAppDelegate::report(const databaseFile::Result& result, const QString
     return;
   }
   qCWarning(lcFiles).noquote() << failed << result.detail;
-  showStatus(failed + QStringLiteral("：") + databaseFile::reason(result.failure));
+  showStatus(failed + QStringLiteral("：") + reason(result.failure));
 }

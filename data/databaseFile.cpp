@@ -232,22 +232,6 @@ Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
 
 }  // namespace
 
-QString reason(Failure failure) {
-  switch (failure) {
-    case Failure::none:
-      break;
-    case Failure::unreadable:
-      return u"ファイルを読み込めません。"_s;
-    case Failure::exists:
-      return u"同じ名前のファイルが既にあります。"_s;
-    case Failure::busy:
-      return u"データベースは使用中です。"_s;
-    case Failure::unwritable:
-      return u"ファイルを書き込めません。空き容量とアクセス権を確認して下さい。"_s;
-  }
-  return {};
-}
-
 Result backUp(const QString& database, const QString& target) {
   if (isThere(target)) {
     return unwritable(EEXIST);

@@ -24,9 +24,6 @@ struct Result {
   explicit operator bool() const { return failure == Failure::none; }
 };
 
-/// Why it failed, as the end of a sentence for the user; null when it did not.
-QString reason(Failure failure);
-
 /// Copies the database to `target`, as it is between two transactions, and never over an existing
 /// file. Waits for a transaction that is being stored.
 Result backUp(const QString& database, const QString& target);

@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -12,11 +11,16 @@
 
 namespace {
 
-// Several names, so that one that is taken does no harm.
-const std::array<const char*, 4> partEndings{".part", ".part1", ".part2", ".part3"};
+// Many names, so that those that are taken do no harm.
+constexpr int partNames = 100;
+
+QByteArray partName(const QByteArray& place, int number) {
+  return place + ".part" + (number == 0 ? QByteArray() : QByteArray::number(number));
+}
 
 constexpr mode_t newFileMode = 0666;  // the user's mask applies
 constexpr mode_t permissions = 0777;
+constexpr mode_t ownersRights = 0600;
 
 }  // namespace
 
@@ -37,7 +41,8 @@ bool NewFile::create(const QString& like) {
   return underFreeName([&](const char* name) {
     descriptor_ = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
     if (descriptor_ >= 0 && known) {
-      fchmod(descriptor_, found.st_mode & permissions);  // refused where files have none
+      // Refused where files have none.
+      fchmod(descriptor_, (found.st_mode & permissions) | ownersRights);
     }
     return descriptor_ >= 0;
   });
@@ -83,8 +88,8 @@ bool NewFile::placeIfFree() {
 }
 
 void NewFile::removeLeftovers(const QString& place) {
-  for (const char* ending : partEndings) {
-    unlink((QFile::encodeName(place) + ending).constData());
+  for (int i = 0; i < partNames; ++i) {
+    unlink(partName(QFile::encodeName(place), i).constData());
   }
 }
 
@@ -94,8 +99,8 @@ bool NewFile::check(bool succeeded) {
 }
 
 bool NewFile::underFreeName(const std::function<bool(const char*)>& make) {
-  for (const char* ending : partEndings) {
-    const QByteArray name = place_ + ending;
+  for (int i = 0; i < partNames; ++i) {
+    const QByteArray name = partName(place_, i);
     if (make(name.constData())) {
       part_ = name;
       return check(true);
@@ -114,16 +119,8 @@ bool NewFile::renameIfFree() {
   if (errno != EINVAL && errno != ENOSYS) {
     return false;
   }
-  // A file system that cannot do this in one step; network file systems are among them.
-  if (link(part_.constData(), place_.constData()) == 0) {
-    unlink(part_.constData());
-    return true;
-  }
-  const bool hasNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
-  return hasNoLinks && renameOntoClaim();
-}
-
-bool NewFile::renameOntoClaim() {
+  // A file system that cannot do this in one step; network file systems are among them. An empty
+  // file takes the place first, so that no other can.
   const int claim = open(place_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
   if (claim < 0) {
     return false;
@@ -136,6 +133,16 @@ bool NewFile::renameOntoClaim() {
   unlink(place_.constData());
   errno = error;
   return false;
+}
+
+int replaceFile(const QString& path, const QByteArray& bytes) {
+  NewFile file(path);
+  if (!file.create(path) || !file.write(bytes.constData(), bytes.size()) || !file.sync() ||
+      !file.replace()) {
+    return file.error();
+  }
+  syncFolderOf(path);
+  return 0;
 }
 
 void syncFolderOf(const QString& path) {

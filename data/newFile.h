@@ -18,7 +18,8 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  /// Creates the unfinished file, with the permissions of `like` when that is there.
+  /// Creates the unfinished file, with the permissions of `like` when that is there; its owner can
+  /// read and write it in any case.
   bool create(const QString& like);
   /// Makes the unfinished file a second name of `existing`; not every file system can.
   bool linkTo(const QString& existing);
@@ -45,9 +46,11 @@ class NewFile {
   bool check(bool succeeded);
   bool underFreeName(const std::function<bool(const char*)>& make);
   bool renameIfFree();
-  /// Where there are no hard links: an empty file takes the place first, so that no other can.
-  bool renameOntoClaim();
 };
+
+/// Makes `bytes` the whole contents of the file `path`, or changes nothing. On the disk, its name
+/// too, when this returns 0; else the errno of what the system refused. Any thread.
+int replaceFile(const QString& path, const QByteArray& bytes);
 
 /// Puts the names in the folder of `path` safe on the disk, as far as its file system can.
 void syncFolderOf(const QString& path);

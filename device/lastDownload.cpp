@@ -1,21 +1,16 @@
 #include "device/lastDownload.h"
 
+#include "data/newFile.h"
+
 #include <QByteArray>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
 #include <mutex>
-#include <unistd.h>
 
 namespace {
-
-QString systemError() {
-  return QString::fromLocal8Bit(std::strerror(errno));
-}
 
 QByteArray contents(const QStringList& lines) {
   QByteArray bytes;
@@ -27,76 +22,46 @@ QByteArray contents(const QStringList& lines) {
   return bytes;
 }
 
-/// Writes all bytes; false with the reason in `file`. A disk that becomes full takes a part and
-/// gives its reason only when asked to take the rest.
-bool writeAll(QFile& file, const QByteArray& bytes) {
-  qint64 done = 0;
-  while (done < bytes.size()) {
-    const qint64 taken = file.write(bytes.constData() + done, bytes.size() - done);
-    if (taken <= 0) {
-      return false;
-    }
-    done += taken;
-  }
-  return true;
-}
-
-/// Writes and syncs a file. Unbuffered: on a full disk a buffered file can report success for a
-/// part of its contents.
-QString writeSynced(const QString& path, const QByteArray& bytes) {
-  QFile file(path);
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
-    return file.errorString();
-  }
-  if (!writeAll(file, bytes)) {
-    return file.errorString();
-  }
-  if (::fsync(file.handle()) != 0) {
-    return systemError();
-  }
-  return {};
-}
-
-void syncFolder(const QString& folder) {
-  const int descriptor =
-      ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor >= 0) {
-    ::fsync(descriptor);
-    ::close(descriptor);
-  }
-}
-
-/// Replaces the file as a whole.
-QString replaceFile(const QString& path, const QByteArray& bytes) {
-  const QString beside = path + QStringLiteral(".part");
-  QString error = writeSynced(beside, bytes);
-  if (error.isNull() && std::rename(QFile::encodeName(beside).constData(),
-                                    QFile::encodeName(path).constData()) != 0) {
-    error = systemError();
-  }
-  if (!error.isNull()) {
-    QFile::remove(beside);
-    return error;
-  }
-  syncFolder(QFileInfo(path).absolutePath());
-  return {};
-}
-
 bool holds(const QString& path, const QByteArray& bytes) {
   QFile file(path);
-  return file.open(QIODevice::ReadOnly) && file.readAll() == bytes;
+  return file.size() == bytes.size() && file.open(QIODevice::ReadOnly) && file.readAll() == bytes;
 }
 
-/// "lastDownload-20240518063001.txt"; counts on ("...-2.txt") while there is such a file.
-QString lastingName(const QString& path, const QDateTime& end) {
-  const QFileInfo name(path);
-  const QString stem = name.path() + u'/' + name.completeBaseName() + u'-' +
-                       end.toString(QStringLiteral("yyyyMMddHHmmss"));
-  QString ending = u'.' + name.suffix();
-  for (int i = 2; QFileInfo::exists(stem + ending); ++i) {
-    ending = QStringLiteral("-%1.%2").arg(i).arg(name.suffix());
+/// A lasting copy of these very bytes that an earlier download has left; null when there is none.
+QString equalCopy(const QFileInfo& name, const QByteArray& bytes) {
+  const QDir folder = name.dir();
+  const QString pattern = name.completeBaseName() + QStringLiteral("-*.") + name.suffix();
+  for (const QString& other : folder.entryList({pattern}, QDir::Files)) {
+    if (holds(folder.filePath(other), bytes)) {
+      return folder.filePath(other);
+    }
   }
-  return stem + ending;
+  return {};
+}
+
+/// "lastDownload-20240518063001.txt"; from the second on "lastDownload-20240518063001-2.txt".
+QString lastingName(const QFileInfo& name, const QDateTime& end, int number) {
+  const QString counted = number == 1 ? QString() : u'-' + QString::number(number);
+  return name.path() + u'/' + name.completeBaseName() + u'-' +
+         end.toString(QStringLiteral("yyyyMMddHHmmss")) + counted + u'.' + name.suffix();
+}
+
+/// Puts the bytes, which as a rule are those of `existing`, into the file `path`, unless one is
+/// there: then EEXIST. Otherwise 0 or another errno.
+int keepUnder(const QString& path, const QString& existing, const QByteArray& bytes) {
+  NewFile file(path);
+  // A second name for the kept file needs no room on a full disk, and the next download, which
+  // replaces the first name, leaves it alone. Not every file system has second names.
+  const bool linked = holds(existing, bytes) && file.linkTo(existing);
+  if (!linked &&
+      (!file.create(existing) || !file.write(bytes.constData(), bytes.size()) || !file.sync())) {
+    return file.error();
+  }
+  if (!file.placeIfFree()) {
+    return file.error();
+  }
+  syncFolderOf(path);
+  return 0;
 }
 
 std::mutex oneAtATime;  // two watches may finish at the same moment
@@ -105,20 +70,26 @@ std::mutex oneAtATime;  // two watches may finish at the same moment
 
 QString keepDownload(const QString& path, const QStringList& lines) {
   const std::lock_guard lock(oneAtATime);
-  return replaceFile(path, contents(lines));
+  NewFile::removeLeftovers(path);
+  const int failure = replaceFile(path, contents(lines));
+  return failure == 0 ? QString() : qt_error_string(failure);
 }
 
 LastingCopy keepForGood(const QString& path, const QStringList& lines, const QDateTime& end) {
   const std::lock_guard lock(oneAtATime);
-  LastingCopy copy{lastingName(path, end), {}};
+  const QFileInfo name(path);
   const QByteArray bytes = contents(lines);
-  // A second name for the kept file needs no room on a full disk, and the next download, which
-  // replaces the first name, leaves it alone. Not every file system has second names.
-  if (holds(path, bytes) &&
-      ::link(QFile::encodeName(path).constData(), QFile::encodeName(copy.path).constData()) == 0) {
-    syncFolder(QFileInfo(path).absolutePath());
-    return copy;
+  if (QString equal = equalCopy(name, bytes); !equal.isNull()) {
+    return {equal, {}};
   }
-  copy.error = replaceFile(copy.path, bytes);
-  return copy.error.isNull() ? copy : LastingCopy{{}, copy.error};
+  for (int number = 1;; ++number) {
+    QString lasting = lastingName(name, end, number);
+    const int failure = keepUnder(lasting, path, bytes);
+    if (failure == 0) {
+      return {lasting, {}};
+    }
+    if (failure != EEXIST) {
+      return {{}, qt_error_string(failure)};
+    }
+  }
 }

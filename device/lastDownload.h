@@ -19,5 +19,6 @@ struct LastingCopy {
 
 /// Keeps the lines of a download, which keepDownload() has kept in `path` as a rule, under a name
 /// beside `path` that no later download takes: that of the local time `end` when the download ended
-/// ("lastDownload-20240518063001.txt"). On the disk when this returns. Any thread.
+/// ("lastDownload-20240518063001.txt"). Lines that are kept so already are not kept twice. On the
+/// disk when this returns. Any thread.
 LastingCopy keepForGood(const QString& path, const QStringList& lines, const QDateTime& end);

@@ -2,24 +2,13 @@
 #include "device/receivedLine.h"
 #include "device/usbOperating.h"
 #include "device/watchCommands.h"
+#include "tests/files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <tuple>
-
-namespace {
-
-QByteArray fileContents(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
-
-}  // namespace
 
 class tst_watchProtocol : public QObject {
   Q_OBJECT
@@ -88,19 +77,15 @@ class tst_watchProtocol : public QObject {
     QVERIFY(keepDownload(path, {"00 01", "02 03"}).isNull());
 
     // A disk that takes only a part.
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{100, before.rlim_max};
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const QString error = keepDownload(path, QStringList(100, "FF FF"));
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    QVERIFY(!error.isNull());
-    QCOMPARE(fileContents(path), "00 01\n02 03\n");
+    {
+      const FullDisk full(100);
+      QVERIFY(!keepDownload(path, QStringList(100, "FF FF")).isNull());
+    }
+    QCOMPARE(bytesOf(path), "00 01\n02 03\n");
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 
     QVERIFY(keepDownload(path, {"04"}).isNull());
-    QCOMPARE(fileContents(path), "04\n");
+    QCOMPARE(bytesOf(path), "04\n");
     QVERIFY(!keepDownload(folder.filePath("no/such/folder"), {}).isNull());
   }
 };
