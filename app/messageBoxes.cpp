@@ -53,7 +53,7 @@ bool hasType(const QString& path, const QString& type) {
   return QFileInfo(path).suffix().compare(type, Qt::CaseInsensitive) == 0;
 }
 
-/// Where the file panels begin.
+/// Where the first file panel begins.
 QString firstFolder() {
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
@@ -85,6 +85,22 @@ void awaitMessages(const QWidget* parent) {
   }
 }
 
+bool ask(QWidget* parent, const QString& title, const QString& text, const QString& action,
+         QMessageBox::ButtonRole role) {
+  if (parent != nullptr) {
+    awaitMessages(parent);
+  }
+  QMessageBox box(parent);
+  fill(box, title, text);
+  box.setIcon(QMessageBox::Question);
+  QPushButton* cancel = box.addButton(QStringLiteral("キャンセル"), QMessageBox::RejectRole);
+  const QPushButton* act = box.addButton(action, role);
+  box.setDefaultButton(cancel);
+  box.setEscapeButton(cancel);
+  runOver(box, parent);  // closing the window meanwhile means to cancel
+  return box.clickedButton() == act;
+}
+
 }  // namespace
 
 void MessageBoxes::setWindow(QWidget* window) {
@@ -96,18 +112,21 @@ void MessageBoxes::message(const QString& text) {
 }
 
 bool MessageBoxes::confirmErase(const QString& text) {
-  if (parent_) {
-    awaitMessages(parent_);
-  }
-  QMessageBox box(parent_);
-  fill(box, QStringLiteral("消去"), text);
-  box.setIcon(QMessageBox::Question);
-  QPushButton* cancel = box.addButton(QStringLiteral("キャンセル"), QMessageBox::RejectRole);
-  QPushButton* erase = box.addButton(QStringLiteral("消去"), QMessageBox::DestructiveRole);
-  box.setDefaultButton(cancel);
-  box.setEscapeButton(cancel);
-  runOver(box, parent_);  // closing the window meanwhile means to keep the data
-  return box.clickedButton() == erase;
+  const QString erase = QStringLiteral("消去");
+  return ask(parent_, erase, text, erase, QMessageBox::DestructiveRole);
+}
+
+bool MessageBoxes::confirm(const QString& text, const QString& action) {
+  return ask(parent_, QStringLiteral("Morvel GPS"), text, action, QMessageBox::AcceptRole);
+}
+
+QString MessageBoxes::folderToBeginIn() const {
+  return QFileInfo(lastFolder_).isDir() ? lastFolder_ : firstFolder();
+}
+
+QString MessageBoxes::chosen(const QString& path) {
+  lastFolder_ = QFileInfo(path).path();
+  return path;
 }
 
 QString MessageBoxes::fileToSave(const QString& title, const QString& name, const QString& type) {
@@ -115,16 +134,16 @@ QString MessageBoxes::fileToSave(const QString& title, const QString& name, cons
   panel.setAcceptMode(QFileDialog::AcceptSave);
   panel.setNameFilter(filterFor(type));
   panel.setDefaultSuffix(type);
-  panel.setDirectory(firstFolder());
+  panel.setDirectory(folderToBeginIn());
   panel.selectFile(name + u'.' + type);
   while (runOver(panel, parent_)) {
-    QString chosen = panel.selectedFiles().value(0);
-    if (hasType(chosen, type)) {
-      return chosen;
+    const QString path = panel.selectedFiles().value(0);
+    if (hasType(path, type)) {
+      return chosen(path);
     }
-    QString typed = chosen + u'.' + type;
+    const QString typed = path + u'.' + type;
     if (!QFileInfo::exists(typed)) {
-      return typed;
+      return chosen(typed);
     }
     panel.selectFile(typed);  // the panel asks before an existing file is replaced
   }
@@ -135,11 +154,11 @@ QString MessageBoxes::fileToOpen(const QString& title, const QString& type) {
   QFileDialog panel(parent_, title);
   panel.setFileMode(QFileDialog::ExistingFile);
   panel.setNameFilter(filterFor(type));
-  panel.setDirectory(firstFolder());
+  panel.setDirectory(folderToBeginIn());
   while (runOver(panel, parent_)) {
-    QString chosen = panel.selectedFiles().value(0);
-    if (hasType(chosen, type)) {
-      return chosen;
+    const QString path = panel.selectedFiles().value(0);
+    if (hasType(path, type)) {
+      return chosen(path);
     }
   }
   return {};

@@ -13,9 +13,14 @@ class MessageBoxes : public Dialogs {
 
   void message(const QString& text) override;
   bool confirmErase(const QString& text) override;
+  bool confirm(const QString& text, const QString& action) override;
   QString fileToSave(const QString& title, const QString& name, const QString& type) override;
   QString fileToOpen(const QString& title, const QString& type) override;
 
  private:
   QPointer<QWidget> parent_;
+  QString lastFolder_;  ///< That of the last file chosen in a panel; empty before.
+
+  QString folderToBeginIn() const;
+  QString chosen(const QString& path);
 };

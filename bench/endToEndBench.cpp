@@ -27,6 +27,7 @@ class KeepEverything : public Dialogs {
  public:
   void message(const QString&) override {}
   bool confirmErase(const QString&) override { return false; }
+  bool confirm(const QString&, const QString&) override { return false; }
   QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
   QString fileToOpen(const QString&, const QString&) override { return {}; }
 };

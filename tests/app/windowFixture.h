@@ -20,6 +20,7 @@
 class ScriptedDialogs : public Dialogs {
  public:
   bool eraseAnswer = false;
+  bool confirmAnswer = false;
   QString fileAnswer;                    ///< Null cancels the panels.
   std::function<void()> duringQuestion;  ///< What happens while the question stands.
 
@@ -33,6 +34,10 @@ class ScriptedDialogs : public Dialogs {
       duringQuestion();
     }
     return eraseAnswer;
+  }
+  bool confirm(const QString& text, const QString& action) override {
+    questions << text + u'|' + action;
+    return confirmAnswer;
   }
   QString fileToSave(const QString& title, const QString& name, const QString& type) override {
     panels << title + u'|' + name + u'|' + type;
