@@ -29,6 +29,7 @@ bundle two
 started="$data/trakko/Trakko.app/Contents/Trakko|--flag two words|com.morvel.Trakko"
 
 expect "$(run_with one)" "$started" "first start"
+expect "$(stat -c %a "$data/trakko")" 700 "rights of the folder"
 expect "$(readlink "$data/trakko/png")" "$work/one/png" "link to the images"
 
 touch "$data/trakko/gpsData.db3"
