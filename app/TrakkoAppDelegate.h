@@ -17,6 +17,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -104,6 +105,9 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void saveGPXFile();
   void BackupData();
   void RecoverData();
+  /// Restores the database from the file `path`, after a question when that is not one of this
+  /// program's databases. Returns at once; the line at the bottom tells the result.
+  void recoverFrom(const QString& path);
 
   // Bodies of threads.
   /// `generation` is the number of the refresh; only the newest redraws the map.
@@ -180,6 +184,14 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void showProgressValue(double value);
   void showStatus(const QString& line, Verdict verdict = Verdict::note);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
+  void askAndRestore(const QString& path, schemaCheck::Finding finding);
+  /// Whether a backup or restore is under way; the user is told then.
+  bool fileWorkRuns();
+  /// Does `work` on a thread of its own, with `line` and how far it got shown meanwhile, and then
+  /// `done` on the main thread.
+  void startFileWork(const QString& line,
+                     std::function<databaseFile::Result(const databaseFile::Watcher&)> work,
+                     std::function<void(const databaseFile::Result&)> done);
   static std::shared_ptr<LoadedTrack> loadTrack(qint64 number, qint64 lapsNumber, bool google,
                                                 const QString& arrow);
   void takeTrack(const LoadedTrack& track);
@@ -191,6 +203,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   ControllerContext context;
   Selection selection;
   int newestRefresh = 0;
+  bool fileWorkRuns_ = false;
   bool pageAnswers = false;         ///< The page's script runs, whether or not it has a map yet.
   bool mapLoaded = false;           ///< The page has reported its map.
   std::atomic<int> shownValue{-1};  ///< What the progress bar is about to show; -1 when it does.

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "data/connection.h"
 #include "data/dataControl.h"
+#include "data/databaseUse.h"
 #include "data/recordWriter.h"
 
 #include <algorithm>
@@ -128,8 +129,11 @@ qint32 dataControl::deleteAllData() {
 }
 
 qint32 dataControl::deleteWhere(const QByteArray& condition) {
+  // Not in the middle of storing or restoring, nor after a wait: the user looks at the window.
+  const databaseUse::Turn turn = databaseUse::ifFree();
   open_db();
-  if (db == nullptr) {
+  if (db == nullptr || !turn) {
+    close_db();
     return -1;
   }
   Statements statements;

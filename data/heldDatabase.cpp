@@ -37,6 +37,7 @@ HeldDatabase::HeldDatabase(const QString& path, Against against) {
     return;
   }
   sqlite3_busy_timeout(opened, busyLimit);
+  runNothingStored(opened);
   sqlite3_file_control(opened, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
   // In an empty file, a writing transaction begins with a journal; there is nothing to protect.
   const bool againstWriters = against == Against::writers && size() > 0;

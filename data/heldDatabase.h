@@ -4,6 +4,7 @@
 
 #include <QString>
 
+struct sqlite3;
 struct sqlite3_file;
 
 /// A database file that stands still while it is copied or replaced as a whole.
@@ -27,6 +28,9 @@ class HeldDatabase {
   int result() const { return result_; }
   /// What SQLite said about the result.
   QString message() const;
+
+  /// For questions about what the file holds; belongs to this object. Null when nothing was opened.
+  sqlite3* connection() const { return connection_.get(); }
 
   /// Bytes of the file, -1 when it cannot be read.
   qint64 size() const;

@@ -1,6 +1,7 @@
 // From the received lines into the store.
 
 #include "data/dataControl.h"
+#include "data/databaseUse.h"
 #include "device/downloadDecoder.h"
 #include "device/usbOperating.h"
 
@@ -26,6 +27,7 @@ qint32 usbOperating::convertChstr() {
   if (lines.isEmpty()) {
     return -1;
   }
+  const databaseUse::Turn turn = databaseUse::await();
   dataControl store;
   store.close_db();
   DecodeContext context;

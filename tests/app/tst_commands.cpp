@@ -1,22 +1,25 @@
+#include "app/DFView.h"
+#include "app/messageBoxes.h"
 #include "storedRuns.h"
+#include "tests/files.h"
 #include "windowFixture.h"
 
+#include <QApplication>
+#include <QFileDialog>
 #include <QLabel>
 #include <QTableView>
 #include <QTimer>
 
 namespace {
 
-QByteArray content(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString& path, const QByteArray& bytes) {
-  QFile file(path);
-  QVERIFY(file.open(QIODevice::WriteOnly));
-  file.write(bytes);
-}
+/// Counts how often a widget is painted.
+struct Paintings : QObject {
+  int count = 0;
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    count += event->type() == QEvent::Paint ? 1 : 0;
+    return false;
+  }
+};
 
 }  // namespace
 
@@ -27,9 +30,11 @@ class TestCommands : public QObject {
  private Q_SLOTS:
   void keys_data();
   void keys();
+  void panels_data();
+  void panels();
   void backUpAndRestore();
-  void backupKeepsAnExistingFile();
-  void restoreOfNoDatabase();
+  void restoreOfDoubtfulFiles_data();
+  void restoreOfDoubtfulFiles();
   void closingQuits();
 };
 
@@ -53,7 +58,7 @@ void TestCommands::keys() {
   WindowFixture fixture;
   storeRuns(2);
   fixture.start();
-  const QByteArray before = content(fixture.file("gpsData.db3"));
+  const QByteArray before = bytesOf(fixture.file("gpsData.db3"));
   QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
   QTest::keySequence(fixture.window.get(), keys);
   fixture.settle();
@@ -61,7 +66,35 @@ void TestCommands::keys() {
       fixture.dialogs->panels + fixture.dialogs->questions + fixture.dialogs->messages();
   QCOMPARE(said.size(), 1);
   QVERIFY2(said[0].startsWith(asked), qUtf8Printable(said[0]));
-  QCOMPARE(content(fixture.file("gpsData.db3")), before);  // every question was answered with no
+  QCOMPARE(bytesOf(fixture.file("gpsData.db3")), before);  // every question was answered with no
+}
+
+// The panels themselves offer files of their type alone.
+void TestCommands::panels_data() {
+  QTest::addColumn<bool>("saves");
+  QTest::addColumn<QString>("type");
+  QTest::addColumn<QString>("shown");
+  QTest::newRow("save") << true << "TCX"
+                        << "title|TCX (*.TCX)|name.TCX";
+  QTest::newRow("open") << false << "db3"
+                        << "title|db3 (*.db3)|";
+}
+
+void TestCommands::panels() {
+  QFETCH(bool, saves);
+  QFETCH(QString, type);
+  QString shown;
+  QTimer::singleShot(0, this, [&] {
+    auto* panel = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    QVERIFY(panel != nullptr);
+    shown = panel->windowTitle() + '|' + panel->nameFilters().join(' ') + '|' +
+            (saves ? panel->selectedFiles().value(0).section('/', -1) : QString());
+    panel->reject();
+  });
+  MessageBoxes boxes;
+  QVERIFY(
+      (saves ? boxes.fileToSave("title", "name", type) : boxes.fileToOpen("title", type)).isNull());
+  QTEST(shown, "shown");
 }
 
 void TestCommands::backUpAndRestore() {
@@ -70,48 +103,56 @@ void TestCommands::backUpAndRestore() {
   fixture.start();
   fixture.dialogs->fileAnswer = fixture.file("copy.db3");
   fixture.controller->BackupData();
-  QCOMPARE(content(fixture.file("copy.db3")), content(fixture.file("gpsData.db3")));
+  fixture.settle();
+  QCOMPARE(bytesOf(fixture.file("copy.db3")), bytesOf(fixture.file("gpsData.db3")));
   fixture.dialogs->eraseAnswer = true;
   fixture.controller->deleteOneData();
   fixture.settle();
   QCOMPARE(fixture.controller->tView->model()->rowCount(), 1);
+  Paintings calendar;
+  fixture.controller->viewMonth->installEventFilter(&calendar);
   fixture.controller->RecoverData();
+  QTRY_COMPARE(fixture.controller->runKArr, QStringList({"02", "01"}));
   fixture.settle();
-  QCOMPARE(fixture.controller->runKArr, QStringList({"02", "01"}));
+  QVERIFY(calendar.count > 0);
   QCOMPARE(dataControl().getMaxCnumber("T_RunData"), 2);
   QCOMPARE(fixture.controller->getNewData, 0);
+  QCOMPARE(fixture.dialogs->questions.size(), 1);
 }
 
-void TestCommands::backupKeepsAnExistingFile() {
-  WindowFixture fixture;
-  storeRuns(1);
-  fixture.start();
-  fixture.dialogs->fileAnswer = fixture.file("old.db3");
-  write(fixture.file("old.db3"), "an older backup");
-  fixture.controller->BackupData();
-  QCOMPARE(content(fixture.file("old.db3")), QByteArray("an older backup"));
-  QVERIFY(fixture.controller->statusLine->text().startsWith("バックアップできませんでした"));
+void TestCommands::restoreOfDoubtfulFiles_data() {
+  QTest::addColumn<QByteArray>("bytes");
+  QTest::addColumn<bool>("goesOn");
+  QTest::addColumn<QString>("told");
+  QTest::newRow("declined") << QByteArray("not a database") << false << "復元しませんでした。";
+  QTest::newRow("no database") << QByteArray("not a database") << true << "データベースではない";
+  QTest::newRow("empty") << QByteArray("") << true << "空のファイル";
 }
 
-void TestCommands::restoreOfNoDatabase() {
+void TestCommands::restoreOfDoubtfulFiles() {
+  QFETCH(QByteArray, bytes);
+  QFETCH(bool, goesOn);
+  QFETCH(QString, told);
   WindowFixture fixture;
   storeRuns(2);
   fixture.start();
-  const QByteArray before = content(fixture.file("gpsData.db3"));
+  const QByteArray before = bytesOf(fixture.file("gpsData.db3"));
   fixture.dialogs->fileAnswer = fixture.file("photo.db3");
-  write(fixture.file("photo.db3"), "not a database");
+  fixture.dialogs->confirmAnswer = goesOn;
+  writeBytes(fixture.file("photo.db3"), bytes);
   fixture.controller->RecoverData();
+  QTRY_VERIFY(fixture.controller->statusLine->text().contains(told) &&
+              fixture.dialogs->questions.size() == 1);
   fixture.settle();
-  QCOMPARE(content(fixture.file("gpsData-before-restore.db3")), before);
-  QCOMPARE(dataControl().getRunData("all", {}).size(), 0);
+  QVERIFY(fixture.dialogs->questions[0].endsWith("|復元"));
+  QCOMPARE(bytesOf(fixture.file(goesOn ? "gpsData-before-restore.db3" : "gpsData.db3")), before);
+  QCOMPARE(dataControl().getRunData("all", {}).size(), goesOn ? 0 : 2);
   QCOMPARE(fixture.controller->tView->model()->rowCount(), 2);  // without runs the rows stay
-  const QString told = fixture.controller->statusLine->text();
-  QVERIFY(told.contains("データベースではない") && told.contains("gpsData-before-restore.db3"));
-  // The old runs come back from where they were put aside.
-  fixture.dialogs->fileAnswer = fixture.file("gpsData-before-restore.db3");
-  fixture.controller->RecoverData();
-  fixture.settle();
-  QCOMPARE(dataControl().getRunData("all", {}).size(), 2);
+  if (goesOn) {  // the old runs come back from where they were put aside
+    QVERIFY(fixture.controller->statusLine->text().contains("gpsData-before-restore.db3"));
+    fixture.controller->recoverFrom(fixture.file("gpsData-before-restore.db3"));
+    QTRY_COMPARE(dataControl().getRunData("all", {}).size(), 2);
+  }
 }
 
 void TestCommands::closingQuits() {

@@ -1,29 +1,39 @@
 #include "data/databaseFile.h"
+#include "data/databaseUse.h"
 #include "storeFolder.h"
 
 #include <QtTest>
 
 #include <atomic>
+#include <future>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using databaseFile::Failure;
+using schemaCheck::Finding;
 
 namespace {
 
-const QString oldRun = "2014-05-01 07:30:05";
-const QString newRun = "2014-05-02 07:30:05";
+constexpr int pointCount = 400;
+const QString oldRun = "2014-05-01 07:30:05 400";
+const QString newRun = "2014-05-02 07:30:05 400";
 
-/// The start times of the runs stored, or what is wrong with the database.
+thread_local QStringList synced;
+
+/// The start times of the runs stored and how many points are whole, or what is wrong.
 QString runsIn(const QString& database) {
   if (!QFile::exists(database)) {
     return "no file";
   }
   const QString check = ask(database, "PRAGMA integrity_check");
-  return check == u"ok" ? ask(database, "select T_RunStartTime from T_RunData") : check;
+  return check != u"ok" ? check
+                        : ask(database,
+                              "select group_concat(T_RunStartTime)||' '||(select count(*) from "
+                              "T_TrackPointData where T_PointTime<>'damaged') from T_RunData");
 }
 
 /// Runs `work` in a process of its own, which may be killed in it; true when it was.
@@ -40,7 +50,7 @@ bool isKilledIn(Work&& work) {
 }
 
 const char* const halfATransaction =
-    "PRAGMA cache_size=200; begin; delete from T_RunData;"
+    "PRAGMA cache_size=5; begin; delete from T_RunData;"
     "update T_TrackPointData set T_PointTime='damaged'";
 
 /// Leaves the database as a process does that is killed behind the statements.
@@ -53,74 +63,127 @@ void killBehind(const char* statements, const QString& database) {
   QVERIFY(QFileInfo(database + "-journal").size() + QFileInfo(database + "-wal").size() > 0);
 }
 
+/// Gives the database a write-ahead log; the run in it is not in the file itself yet.
+void leaveInLog(const QString& database) {
+  const QByteArray run = ask(database, "select T_RunStartTime from T_RunData").toLatin1();
+  ask(database, "PRAGMA journal_mode=WAL; delete from T_RunData");
+  killBehind("insert into T_RunData(T_RunStartTime) values('" + run + "')", database);
+}
+
 }  // namespace
 
-class DatabaseFileTest : public QObject {
+// In the place of the system's own, so that what was synced can be told.
+extern "C" int fsync(int descriptor) {
+  synced << QFile::symLinkTarget("/proc/self/fd/" + QString::number(descriptor));
+  return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
+class tst_databaseFile : public QObject {
   Q_OBJECT
 
  private:
-  QTemporaryDir made;  // one database with oldRun, one with newRun
-  std::unique_ptr<StoreFolder> folder;
-  QString database;  // holds oldRun
-  QString aside;
-  QString backup;  // holds newRun
+  QTemporaryDir made_;  // one database with oldRun, one with newRun
+  std::unique_ptr<StoreFolder> folder_;
+  QString database_;  // holds oldRun
+  QString aside_;
+  QString earlier_;
+  QString backup_;  // holds newRun
 
-  QStringList leftovers() const { return QDir(folder->directory.path()).entryList({"*.part*"}); }
+  QString in(const QString& name) const { return folder_->in(name); }
+  QStringList leftovers() const { return QDir(folder_->directory.path()).entryList({"*.part*"}); }
+
+  /// As the row's name says; other names are statements.
+  static void damage(const QString& database) {
+    const QByteArray how = QTest::currentDataTag();
+    const QString journal = database + "-journal";
+    QFile file(database);
+    if (how == "garbage" || how == "empty") {
+      writeBytes(database, QByteArray(how == "empty" ? 0 : 5000, 'x'));
+    } else if (how == "cut") {
+      QVERIFY(file.resize(file.size() - 5000));
+    } else if (how == "one page") {
+      QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(20 * 4096));
+      file.write(QByteArray(4096, 'x'));
+    } else if (how == "journal") {
+      killBehind(halfATransaction, database);
+    } else if (how == "log") {
+      leaveInLog(database);
+    } else if (how == "write-protected") {
+      QVERIFY(file.setPermissions(QFile::ReadOwner));
+    } else if (how == "unreadable journal") {
+      QVERIFY(QDir().mkdir(journal));
+    } else if (how == "only journal") {
+      killBehind(halfATransaction, database);
+      QVERIFY(file.remove());
+    } else if (how == "folder") {
+      QVERIFY(file.remove() && QDir().mkdir(database));
+    } else if (how == "pipe") {
+      QVERIFY(file.remove() && mkfifo(QFile::encodeName(database).constData(), 0600) == 0);
+    } else {
+      ask(database, how.constData());
+    }
+  }
 
  private Q_SLOTS:
   void initTestCase() {
     for (const int number : {1, 2}) {
       const StoreFolder store;
       Batch batch;
-      batch.add(number, "n", 0, 4000);  // so that a database takes several steps to copy
+      batch.add(number, "n", 0, pointCount);
       QCOMPARE(batch.store(), 1);
-      QVERIFY(QFile::copy(store.database, made.filePath(QString::number(number))));
+      QVERIFY(QFile::copy(store.database, made_.filePath(QString::number(number))));
     }
   }
 
   void init() {
-    folder = std::make_unique<StoreFolder>();
-    database = folder->database;
-    aside = folder->in("gpsData-before-restore.db3");
-    backup = folder->in("backup.db3");
-    QVERIFY(QFile::remove(database) && QFile::copy(made.filePath("1"), database));
-    QVERIFY(QFile::copy(made.filePath("2"), backup));
+    folder_ = std::make_unique<StoreFolder>();
+    database_ = folder_->database;
+    aside_ = in("gpsData-before-restore.db3");
+    earlier_ = in("gpsData-before-restore-2.db3");
+    backup_ = in("backup.db3");
+    QVERIFY(QFile::remove(database_) && QFile::copy(made_.filePath("1"), database_));
+    QVERIFY(QFile::copy(made_.filePath("2"), backup_));
+    synced.clear();
   }
 
   void backsUp() {
-    killBehind(halfATransaction, database);
-    const QString copy = folder->in("copy.db3");
-    chmod(QFile::encodeName(database).constData(), 0600);
-    QVERIFY(databaseFile::backUp(database, copy));
-    QCOMPARE(bytesOf(copy), bytesOf(database));
+    killBehind(halfATransaction, database_);
+    const QString copy = in("copy.db3");
+    chmod(QFile::encodeName(database_).constData(), 0640);
+    QVERIFY(databaseFile::backUp(database_, copy));
+    QCOMPARE(bytesOf(copy), bytesOf(database_));
     QCOMPARE(runsIn(copy), oldRun);
-    QCOMPARE(QFile::permissions(copy), QFile::permissions(database));
+    QCOMPARE(QFile::permissions(copy), QFile::permissions(database_));
+    QVERIFY(synced.contains(copy + ".part") && synced.contains(folder_->directory.path()));
 
-    writeBytes(database, "no database at all");
-    QVERIFY(databaseFile::backUp(database, folder->in("bytes.db3")));
-    QCOMPARE(bytesOf(folder->in("bytes.db3")), "no database at all");
+    const QByteArray bytes = QByteArray(1'500'000, 'x') + QByteArray(1'000'000, 'y');
+    writeBytes(database_, bytes);  // no database, in several steps
+    QVERIFY(databaseFile::backUp(database_, in("bytes.db3")));
+    QVERIFY(bytesOf(in("bytes.db3")) == bytes);
   }
 
-  void backsUpOntoNothing() {
-    QVERIFY(QFile::link(folder->in("nowhere"), folder->in("link.db3")));
-    for (const char* name : {"backup.db3", "gpsData.db3", "link.db3", "folder/copy.db3"}) {
-      const bool exists = name != std::string_view("folder/copy.db3");
-      const QByteArray before = bytesOf(folder->in(name));
-      const databaseFile::Result result = databaseFile::backUp(database, folder->in(name));
-      QVERIFY2(result.failure == (exists ? Failure::exists : Failure::unwritable), name);
-      QVERIFY(!result.detail.isEmpty());
-      QCOMPARE(bytesOf(folder->in(name)), before);
+  void backsUpOntoNothing_data() {
+    QTest::addColumn<Failure>("failure");
+    for (const char* name : {"backup.db3", "gpsData.db3", "link.db3"}) {
+      QTest::newRow(name) << Failure::exists;
     }
-    QCOMPARE(runsIn(database), oldRun);
-    QFile::remove(database);
-    const QString copy = folder->in("copy.db3");
-    QCOMPARE(databaseFile::backUp(database, copy).failure, Failure::unreadable);
-    QVERIFY(!QFile::exists(database) && !QFile::exists(copy) && leftovers().isEmpty());
+    QTest::newRow("folder/copy.db3") << Failure::unwritable;
+  }
+  void backsUpOntoNothing() {
+    QVERIFY(QFile::link(in("nowhere"), in("link.db3")));
+    const QString target = in(QTest::currentDataTag());
+    const QByteArray before = bytesOf(target);
+    QTEST(databaseFile::backUp(database_, target).failure, "failure");
+    QCOMPARE(bytesOf(target), before);
+    QCOMPARE(runsIn(database_), oldRun);
+    QFile::remove(database_);
+    QCOMPARE(databaseFile::backUp(database_, in("copy.db3")).failure, Failure::unreadable);
+    QVERIFY(!QFile::exists(database_) && !QFile::exists(in("copy.db3")) && leftovers().isEmpty());
   }
 
   // No copy holds half a transaction, and none is refused for the copying.
   void backsUpWhileStoring() {
-    constexpr int transactions = 60;
+    constexpr int transactions = 20;
     std::atomic<bool> finished = false;
     int stored = 0;
     std::thread writer([&] {
@@ -132,8 +195,8 @@ class DatabaseFileTest : public QObject {
     });
     QStringList copies;
     while (!finished) {
-      const QString copy = folder->in("copy.db3");
-      databaseFile::backUp(database, copy);
+      const QString copy = in("copy.db3");
+      databaseFile::backUp(database_, copy);
       copies << ask(copy,
                     "PRAGMA integrity_check; select count(distinct T_PointHR), count(*) "
                     "from T_TrackPointData");
@@ -141,132 +204,173 @@ class DatabaseFileTest : public QObject {
     }
     writer.join();
     copies.removeDuplicates();
-    QCOMPARE(copies, QStringList(u"ok 1|4000"_s));
+    QCOMPARE(copies, QStringList(u"ok 1|400"_s));
     QCOMPARE(stored, transactions);
   }
 
   void restores() {
     dataControl before;  // a download that is under way must touch neither database
-    QCOMPARE(before.checkRecord(oldRun), 1);
-    QVERIFY(databaseFile::restore(database, backup));
+    QCOMPARE(before.checkRecord(oldRun.left(19)), 1);
+    QVERIFY(databaseFile::restore(database_, backup_));
+    QVERIFY(synced.contains(database_ + ".part"));
+    QCOMPARE(synced.last(), folder_->directory.path());
     QCOMPARE(before.inData({dataControl::runSqlStr({})}), -1);
-    QCOMPARE(bytesOf(database), bytesOf(backup));
-    QCOMPARE(runsIn(aside), oldRun);
+    QCOMPARE(bytesOf(database_), bytesOf(backup_));
+    QCOMPARE(runsIn(aside_), oldRun);
     QCOMPARE(dataControl().getMaxCnumber("T_RunData"), 2);
 
-    QVERIFY(databaseFile::restore(database, database));
-    QCOMPARE(runsIn(database), newRun);
-    QCOMPARE(runsIn(aside), oldRun);
+    QVERIFY(databaseFile::restore(database_, database_));
+    QCOMPARE(runsIn(database_) + runsIn(aside_), newRun + oldRun);
 
-    QVERIFY(databaseFile::restore(database, aside));
-    QCOMPARE(runsIn(database), oldRun);
-    QCOMPARE(runsIn(aside), newRun);
+    killBehind(halfATransaction, aside_);
+    QVERIFY(databaseFile::restore(database_, aside_));
+    QCOMPARE(runsIn(database_) + runsIn(aside_), oldRun + newRun);
 
-    writeBytes(folder->in("text.db3"), "no database");
-    QVERIFY(databaseFile::restore(database, folder->in("text.db3")));
-    QCOMPARE(bytesOf(database), "no database");
-    QCOMPARE(runsIn(aside), oldRun);
-    QVERIFY(databaseFile::restore(database, folder->in("text.db3")));
-    QCOMPARE(runsIn(aside), oldRun);  // still the one that is a database
-    QVERIFY(databaseFile::restore(database, aside));
-    QCOMPARE(runsIn(database), oldRun);
-    QCOMPARE(leftovers(), QStringList());
+    writeBytes(in("text.db3"), "no database");
+    QVERIFY(databaseFile::restore(database_, in("text.db3")));
+    QCOMPARE(bytesOf(database_), "no database");
+    QCOMPARE(runsIn(aside_) + runsIn(earlier_), oldRun + newRun);
+    QVERIFY(databaseFile::restore(database_, in("text.db3")));
+    QCOMPARE(runsIn(aside_) + runsIn(earlier_), oldRun + newRun);  // those are databases
+    QVERIFY(databaseFile::restore(database_, earlier_));
+    QCOMPARE(runsIn(database_) + runsIn(aside_), newRun + oldRun);
+    QVERIFY(leftovers().isEmpty());
   }
 
-  void restoresOverDamage() {
-    const QList<std::pair<QByteArray, QString>> rows{{"garbage", "file is not a database"},
-                                                     {"empty", "no such table: T_RunData"},
-                                                     {"missing", "no file"},
-                                                     {"journal", oldRun},
-                                                     {"log", oldRun}};
-    for (const auto& [damage, kept] : rows) {
-      init();
-      if (damage == "garbage" || damage == "empty") {
-        writeBytes(database, QByteArray(damage == "empty" ? 0 : 5000, 'x'));
-      } else if (damage == "log") {
-        ask(database, "PRAGMA journal_mode=WAL; delete from T_RunData");
-        killBehind("insert into T_RunData(T_RunStartTime) values('2014-05-01 07:30:05')", database);
-      } else {
-        killBehind(halfATransaction, database);
-        QVERIFY(damage == "journal" || QFile::remove(database));
-      }
-      QVERIFY2(databaseFile::restore(database, backup), damage.constData());
-      QCOMPARE(QStringList({damage, runsIn(database), runsIn(aside)}),
-               QStringList({damage, newRun, kept}));
-    }
+  // One wrong file and then the right one: the first database is still there.
+  void keepsTwo() {
+    QVERIFY(QFile::copy(backup_, in("wrong.db3")));
+    ask(in("wrong.db3"), "update T_RunData set T_RunStartTime='wrong'");
+    QVERIFY(databaseFile::restore(database_, in("wrong.db3")));
+    killBehind(halfATransaction, aside_);
+    QVERIFY(databaseFile::restore(database_, backup_));
+    QCOMPARE(runsIn(database_), newRun);
+    QCOMPARE(runsIn(aside_), "wrong 400");
+    QCOMPARE(runsIn(earlier_), oldRun);
   }
 
-  void keepsTheOldOne() {
-    QVERIFY(QDir(folder->directory.path()).mkdir("folder.db3"));
-    QCOMPARE(mkfifo(QFile::encodeName(folder->in("pipe.db3")).constData(), 0600), 0);
-    for (const char* chosen : {"missing.db3", "folder.db3", "pipe.db3"}) {
-      QCOMPARE(databaseFile::restore(database, folder->in(chosen)).failure, Failure::unreadable);
-    }
-    const Connection writer = connectTo(database);
+  // Files that something is wrong with: in the place of the database, looked at, chosen.
+  void damaged_data() {
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<Finding>("finding");
+    QTest::addColumn<Failure>("failure");
+    const auto row = [](const char* how, const QString& kept, Finding finding, Failure failure) {
+      QTest::newRow(how) << kept << finding << failure;
+    };
+    const QString malformed = "database disk image is malformed";
+    row("garbage", "file is not a database", Finding::noDatabase, Failure::none);
+    row("empty", "no such table: T_RunData", Finding::tablesMissing, Failure::none);
+    row("cut", malformed, Finding::noDatabase, Failure::none);
+    row("one page", {}, Finding::noDatabase, Failure::none);
+    row("drop table T_LapData", "RUN 400", Finding::tablesMissing, Failure::none);
+    row("journal", "RUN 400", Finding::complete, Failure::none);
+    row("log", "RUN 400", Finding::complete, Failure::none);
+    row("write-protected", "RUN 400", Finding::complete, Failure::none);
+    row("unreadable journal", "disk I/O error", Finding::unreadable, Failure::unreadable);
+    row("only journal", "no file", Finding::unreadable, Failure::unreadable);
+    row("folder", "unable to open database file", Finding::unreadable, Failure::unreadable);
+    row("pipe", {}, Finding::unreadable, Failure::unreadable);
+  }
+  void damaged() {
+    QFETCH(QString, kept);
+    QFETCH(const Failure, failure);
+    damage(database_);
+    QVERIFY(databaseFile::restore(database_, backup_));
+    QCOMPARE(runsIn(database_), newRun);
+    QVERIFY(kept.isNull() || runsIn(aside_) == kept.replace("RUN", oldRun.left(19)));
+    const QFile::Permissions both = QFile::ReadOwner | QFile::WriteOwner;
+    QCOMPARE(QFile::permissions(database_) & both, both);
+
+    init();
+    damage(backup_);
+    QTEST(databaseFile::inspect(backup_), "finding");
+    const QString content = runsIn(backup_);
+    QCOMPARE(databaseFile::restore(database_, backup_).failure, failure);
+    QCOMPARE(runsIn(database_), failure == Failure::none ? content : oldRun);
+    QVERIFY(failure == Failure::none || !QFile::exists(aside_));
+    QVERIFY(leftovers().isEmpty());
+  }
+
+  void waitsForNobodyHere() {
+    const databaseUse::Turn storing = databaseUse::await();
+    std::thread([&] {
+      QCOMPARE(databaseFile::restore(database_, backup_).failure, Failure::busy);
+      QCOMPARE(dataControl().deleteAllData(), -1);
+    }).join();
+    QCOMPARE(runsIn(database_), oldRun);
+  }
+
+  // Another program stores; or it reads and so keeps what was stored later in the log of a database
+  // that some program gave one. All at once, as each takes five seconds.
+  void waitsForOthers() {
+    const Connection writer = connectTo(database_);
     QVERIFY(execute(writer.get(), "begin immediate"));
-    QCOMPARE(databaseFile::restore(database, backup).failure, Failure::busy);
-    QVERIFY(databaseFile::backUp(database, folder->in("copy.db3")));
-    QCOMPARE(runsIn(folder->in("copy.db3")), oldRun);
-    QCOMPARE(runsIn(database), oldRun);
-    QVERIFY(!QFile::exists(aside) && leftovers().isEmpty());
-  }
-
-  // A reader keeps what was stored later in the log of a database that some program gave one.
-  void logThatCannotBeMerged() {
-    ask(database, "PRAGMA journal_mode=WAL");
-    const Connection reader = connectTo(database);
+    ask(backup_, "PRAGMA journal_mode=WAL");
+    const Connection reader = connectTo(backup_);
     QVERIFY(execute(reader.get(), "begin; select * from T_RunData"));
-    ask(database, "delete from T_RunData");
-    QCOMPARE(databaseFile::backUp(database, folder->in("copy.db3")).failure, Failure::busy);
+    ask(backup_, "delete from T_RunData");
+    QVERIFY(QFile::copy(made_.filePath("2"), in("free.db3")));
+
+    auto restored = std::async([&] { return databaseFile::restore(database_, in("free.db3")); });
+    auto backedUp = std::async([&] { return databaseFile::backUp(backup_, in("log.db3")); });
+    QVERIFY(databaseFile::backUp(database_, in("copy.db3")));
+    QCOMPARE(runsIn(in("copy.db3")), oldRun);
+    QCOMPARE(restored.get().failure, Failure::busy);
+    QCOMPARE(backedUp.get().failure, Failure::busy);
+    QVERIFY(!QFile::exists(aside_) && leftovers().isEmpty());
   }
 
-  // Killed before each single step: the database is the old or the new one, whole, and the old one
-  // is there under one of its names, the new one too when it was put aside; and the restore can be
-  // done again.
+  // Killed before each single step: the database is the old or the new one, whole, the old one is
+  // there under one of its names, and what was put aside earlier, too; and the restore can be done
+  // again.
+  void killed_data() {
+    QTest::addColumn<bool>("journals");
+    QTest::addColumn<bool>("undo");
+    QTest::newRow("nothing") << false << false;
+    QTest::newRow("journals") << true << false;
+    QTest::newRow("undo") << false << true;
+  }
   void killed() {
-    enum class Given { nothing, journals, undo };
-    for (const Given given : {Given::nothing, Given::journals, Given::undo}) {
-      int step = 0;
-      for (bool killed = true; killed; ++step) {
-        init();
-        QVERIFY(given == Given::nothing || QFile::copy(backup, aside));
-        if (given == Given::journals) {
-          killBehind(halfATransaction, database);
-          killBehind(halfATransaction, aside);
-        }
-        killed = isKilledIn([&] {
-          int count = 0;
-          databaseFile::restore(database, given == Given::undo ? aside : backup, [&] {
-            if (count++ == step) {
-              raise(SIGKILL);
-            }
-          });
-        });
-        const QString now = runsIn(database);
-        QVERIFY2(now == newRun || (now == oldRun && killed), qPrintable(now));
-        QVERIFY(now == oldRun || runsIn(aside) == oldRun);
-        QVERIFY(now == newRun || given != Given::undo || runsIn(aside) == newRun);
-        QVERIFY(databaseFile::restore(database, backup));
-        QCOMPARE(runsIn(database), newRun);
-        QCOMPARE(leftovers(), QStringList());
+    QFETCH(const bool, journals);
+    QFETCH(const bool, undo);
+    int step = 0;
+    for (bool killed = true; killed; ++step) {
+      init();
+      QVERIFY(!(undo || journals) || QFile::copy(backup_, aside_));
+      if (journals) {
+        killBehind(halfATransaction, database_);
+        killBehind(halfATransaction, aside_);
       }
-      QVERIFY(step > 8);
+      killed = isKilledIn([&] {
+        int count = 0;
+        databaseFile::restore(database_, undo ? aside_ : backup_, [&](int) {
+          if (count++ == step) {
+            raise(SIGKILL);
+          }
+        });
+      });
+      const QString now = runsIn(database_);
+      QVERIFY2(now == newRun || (now == oldRun && killed), qPrintable(now));
+      const QStringList kept{now, runsIn(aside_), runsIn(earlier_)};
+      QVERIFY2(kept.contains(oldRun), qPrintable(kept.join(' ')));
+      QVERIFY2(!(undo || journals) || kept.contains(newRun), qPrintable(kept.join(' ')));
+      QVERIFY(databaseFile::restore(database_, backup_));
+      QCOMPARE(runsIn(database_), newRun);
+      QVERIFY(leftovers().isEmpty());
     }
+    QVERIFY(step > 7);
   }
 
   void fullDisk() {
-    for (const rlim_t room : {0, 4096, 1 << 20}) {  // nothing, the first page or part fits
-      {
-        const FullDisk full(room);
-        QCOMPARE(databaseFile::restore(database, backup).failure, Failure::unwritable);
-        QCOMPARE(databaseFile::backUp(database, folder->in("copy.db3")).failure,
-                 Failure::unwritable);
-      }
-      QCOMPARE(runsIn(database), oldRun);
-      QVERIFY(!QFile::exists(folder->in("copy.db3")) && leftovers().isEmpty());
+    {
+      const FullDisk full(4096);  // the first page fits
+      QCOMPARE(databaseFile::restore(database_, backup_).failure, Failure::unwritable);
+      QCOMPARE(databaseFile::backUp(database_, in("copy.db3")).failure, Failure::unwritable);
     }
+    QCOMPARE(runsIn(database_), oldRun);
+    QVERIFY(!QFile::exists(in("copy.db3")) && leftovers().isEmpty());
   }
 };
 
-QTEST_GUILESS_MAIN(DatabaseFileTest)
+QTEST_GUILESS_MAIN(tst_databaseFile)
 #include "tst_databaseFile.moc"

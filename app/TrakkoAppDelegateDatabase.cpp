@@ -1,0 +1,185 @@
+// The controller's commands on the database as a file: backup and restore.
+
+#include "app/DFView.h"
+#include "app/TrakkoAppDelegate.h"
+#include "base/detachThread.h"
+#include "base/mainQueue.h"
+#include "data/bundle.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QScopeGuard>
+
+Q_LOGGING_CATEGORY(lcDatabase, "trakko.database", QtInfoMsg)
+
+namespace {
+
+using databaseFile::Failure;
+using databaseFile::Result;
+using schemaCheck::Finding;
+
+/// Why it failed, as the end of a sentence; null when it did not.
+QString reason(Failure failure) {
+  switch (failure) {
+    case Failure::none:
+      break;
+    case Failure::unreadable:
+      return QStringLiteral("ファイルを読み込めません。");
+    case Failure::exists:
+      return QStringLiteral("同じ名前のファイルが既にあります。");
+    case Failure::busy:
+      return QStringLiteral("データベースは使用中です。");
+    case Failure::chosenBusy:
+      return QStringLiteral("選択したファイルは他のプログラムが使用中です。");
+    case Failure::unwritable:
+      return QStringLiteral("ファイルを書き込めません。空き容量とアクセス権を確認して下さい。");
+  }
+  return {};
+}
+
+/// What speaks against a file that is to be restored; null when nothing does. Of one that cannot be
+/// read the restore itself tells.
+QString doubtAbout(const QString& chosen, Finding finding) {
+  if (finding == Finding::noDatabase) {
+    return QStringLiteral("「%1」はデータベースではないか、壊れています。").arg(chosen);
+  }
+  if (finding != Finding::tablesMissing) {
+    return {};
+  }
+  return QFileInfo(chosen).size() == 0
+             ? QStringLiteral("「%1」は空のファイルです。").arg(chosen)
+             : QStringLiteral("「%1」には必要な表や列がありません。").arg(chosen);
+}
+
+/// Where the data from before the restore are, as a sentence; null when none were kept.
+QString whereKept() {
+  const QFileInfo kept(databaseFile::beforeRestore(databasePath(mainBundle())));
+  return kept.exists() ? QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.fileName())
+                       : QString();
+}
+
+}  // namespace
+
+void TrakkoAppDelegate::BackupData() {
+  if (fileWorkRuns()) {
+    return;
+  }
+  const QString name = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMddHHmmss"));
+  const QString path =
+      context.dialogs->fileToSave(QStringLiteral("Backup Data"), name, QStringLiteral("db3"));
+  if (path.isNull()) {
+    return;
+  }
+  startFileWork(
+      QStringLiteral("バックアップしています..."),
+      [path](const databaseFile::Watcher& watcher) {
+        return databaseFile::backUp(databasePath(mainBundle()), path, watcher);
+      },
+      [this, path](const Result& result) {
+        report(result, QStringLiteral("「%1」にバックアップしました。").arg(path),
+               QStringLiteral("バックアップできませんでした"));
+      });
+}
+
+void TrakkoAppDelegate::RecoverData() {
+  if (fileWorkRuns()) {
+    return;
+  }
+  const QString path =
+      context.dialogs->fileToOpen(QStringLiteral("Recover Data"), QStringLiteral("db3"));
+  if (!path.isNull()) {
+    recoverFrom(path);
+  }
+}
+
+void TrakkoAppDelegate::recoverFrom(const QString& path) {
+  if (fileWorkRuns()) {
+    return;
+  }
+  const auto finding = std::make_shared<Finding>(Finding::unreadable);
+  startFileWork(
+      QStringLiteral("「%1」を調べています...").arg(path),
+      [path, finding](const databaseFile::Watcher&) {
+        *finding = databaseFile::inspect(path);
+        return Result{};
+      },
+      [this, path, finding](const Result&) {
+        // Behind a question that stands, such as the one after a download.
+        mainQueue::post([this, path, finding] { askAndRestore(path, *finding); });
+      });
+}
+
+// Any file may be chosen; of one that is not a database of this program the user is told before it
+// takes the place.
+void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
+  const QString doubt = doubtAbout(path, finding);
+  if (!doubt.isNull() &&
+      !context.dialogs->confirm(
+          doubt + QStringLiteral("復元すると、今のランは表示されなくなります。今のデータは"
+                                 "別のファイルに残ります。それでも復元しますか？"),
+          QStringLiteral("復元"))) {
+    showStatus(QStringLiteral("復元しませんでした。"));
+    return;
+  }
+  if (fileWorkRuns()) {
+    return;
+  }
+  startFileWork(
+      QStringLiteral("復元しています..."),
+      [path](const databaseFile::Watcher& watcher) {
+        return databaseFile::restore(databasePath(mainBundle()), path, watcher);
+      },
+      [this, path, doubt](const Result& result) {
+        report(result,
+               doubt.isNull() ? QStringLiteral("「%1」から復元しました。").arg(path)
+                              : doubt + whereKept(),
+               QStringLiteral("復元できませんでした"));
+        getNewData = 1;
+        startRefresh();
+        viewMonth->update();
+      });
+}
+
+bool TrakkoAppDelegate::fileWorkRuns() {
+  if (fileWorkRuns_) {
+    showStatus(QStringLiteral("バックアップまたは復元が終わるまでお待ち下さい。"));
+  }
+  return fileWorkRuns_;
+}
+
+void TrakkoAppDelegate::startFileWork(const QString& line,
+                                      std::function<Result(const databaseFile::Watcher&)> work,
+                                      std::function<void(const Result&)> done) {
+  fileWorkRuns_ = true;
+  showStatus(line);
+  const databaseFile::Watcher watcher = [this, line, shown = 0](int percent) mutable {
+    constexpr int step = 10;  // percent; whoever has the line read aloud hears each
+    if (percent / step != shown) {
+      shown = percent / step;
+      performOnMainThread([this, text = QStringLiteral("%1 %2%").arg(line).arg(shown * step)] {
+        showStatus(text);
+      });
+    }
+  };
+  detachThread("database-file", [this, watcher, work = std::move(work), done = std::move(done)] {
+    const auto result = std::make_shared<Result>(Result{Failure::unreadable, {}});
+    const auto atAnyEnd = qScopeGuard([&] {
+      performOnMainThread([this, result, done] {
+        fileWorkRuns_ = false;
+        done(*result);
+      });
+    });
+    *result = work(watcher);
+  });
+}
+
+// Neither command shows a box for its result; it stands in the line at the bottom and in the log.
+void TrakkoAppDelegate::report(const Result& result, const QString& done, const QString& failed) {
+  if (result) {
+    showStatus(done);
+    return;
+  }
+  qCWarning(lcDatabase).noquote() << failed << result.detail;
+  showStatus(failed + QStringLiteral("：") + reason(result.failure));
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "data/databaseFile.h"
+#include "data/heldDatabase.h"
+#include "data/newFile.h"
+
+#include <QString>
+
+#include <array>
+
+// What backup and restore of the database have in common.
+namespace databaseFile {
+
+/// What SQLite keeps beside a database; beside another one it would be taken for that one's.
+extern const std::array<QString, 3> companions;
+
+Result unreadable(const QString& detail);
+/// With the errno of the refused operation.
+Result unwritable(int error);
+
+/// False only when there is certainly nothing of that name.
+bool isThere(const QString& path);
+/// Opening anything else could wait for ever.
+bool isPlainFile(const QString& path);
+bool isSameFile(const QString& one, const QString& other);
+bool isNoDatabase(const HeldDatabase& held);
+
+/// Copies the bytes of the held file into the file in the making, with the permissions of `like`.
+Result copyHeld(const HeldDatabase& held, const QString& like, NewFile& copy,
+                const Watcher& watcher);
+
+}  // namespace databaseFile

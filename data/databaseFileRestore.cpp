@@ -1,0 +1,228 @@
+// The restore: another file takes the database's place.
+
+#include "data/databaseCopy.h"
+#include "data/databaseFile.h"
+#include "data/databaseUse.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+
+namespace databaseFile {
+
+namespace {
+
+constexpr int copied = 100;  // percent: all that follows are names
+
+bool hasCompanions(const QString& path) {
+  const QString place = QFileInfo(path).canonicalFilePath();
+  return std::any_of(companions.begin(), companions.end(),
+                     [&](const QString& companion) { return isThere(place + companion); });
+}
+
+/// Reads the chosen file as a backup reads the database: through SQLite, which puts in what a
+/// journal or log beside it holds. What SQLite does not take for a database is copied as it is,
+/// unless it has such a companion: then a part of it would be missing.
+Result copyChosen(const QString& chosen, const QString& database, NewFile& copy,
+                  const Watcher& watcher) {
+  if (!isPlainFile(chosen)) {
+    return unreadable(qt_error_string(ENOENT));
+  }
+  const HeldDatabase held(chosen, HeldDatabase::Against::changes);
+  if (held.result() == SQLITE_BUSY) {
+    return {Failure::chosenBusy, held.message()};
+  }
+  if (held.result() != SQLITE_OK && !isNoDatabase(held) && hasCompanions(chosen)) {
+    return unreadable(held.message());
+  }
+  watcher(0);
+  if (Result done = copyHeld(held, database, copy, watcher); !done) {
+    return done;
+  }
+  return copy.sync() ? Result{} : unwritable(copy.error());
+}
+
+void removeCompanions(const QString& database) {
+  for (const QString& companion : companions) {
+    QFile::remove(database + companion);
+  }
+}
+
+/// A journal that SQLite could not work off goes with the database that it belongs to.
+Result moveCompanions(const QString& database, const QString& place, const Watcher& watcher) {
+  for (const QString& companion : companions) {
+    watcher(copied);
+    if (rename(QFile::encodeName(database + companion).constData(),
+               QFile::encodeName(place + companion).constData()) != 0 &&
+        errno != ENOENT) {
+      return unwritable(errno);
+    }
+  }
+  return {};
+}
+
+/// Prepares a second name of the old database. A hard link keeps its first name in use until the
+/// new file takes it; where there are no hard links, a copy does.
+Result nameAgain(const QString& database, const QString& place, const HeldDatabase& held,
+                 NewFile& second) {
+  NewFile::removeLeftovers(place);
+  if (second.linkTo(database)) {
+    return {};
+  }
+  Result done = copyHeld(held, database, second, [](int) {});
+  return done && !second.sync() ? unwritable(second.error()) : done;
+}
+
+/// What the last restore has put aside gives way to the database, and takes the place of what the
+/// restore before has: a wrong file and then the right one leave the first database there.
+Result makeRoomAside(const QString& database, const Watcher& watcher) {
+  const QString newer = beforeRestore(database);
+  const QString older = beforeEarlierRestore(database);
+  if (!isPlainFile(newer) || isSameFile(newer, database)) {
+    return {};  // the same when a restore was killed just before its end
+  }
+  // Works off a journal, so that the file stands alone while its name changes.
+  const HeldDatabase held(newer, HeldDatabase::Against::writers);
+  if (held.result() == SQLITE_BUSY) {
+    return {Failure::busy, held.message()};
+  }
+  removeCompanions(older);
+  watcher(copied);
+  if (rename(QFile::encodeName(newer).constData(), QFile::encodeName(older).constData()) != 0) {
+    return unwritable(errno);
+  }
+  return moveCompanions(newer, older, watcher);
+}
+
+/// Puts the new file in the place of the database, which becomes beforeRestore(database) first.
+Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile& copy,
+                      const Watcher& watcher) {
+  const QString aside = beforeRestore(database);
+  watcher(copied);
+  NewFile second(aside);
+  if (Result named = nameAgain(database, aside, held, second); !named) {
+    return named;
+  }
+  if (Result free = makeRoomAside(database, watcher); !free) {
+    return free;
+  }
+  watcher(copied);
+  removeCompanions(aside);  // of no file any more
+  if (!second.replace()) {
+    return unwritable(second.error());
+  }
+  if (Result moved = moveCompanions(database, aside, watcher); !moved) {
+    return moved;
+  }
+  syncFolderOf(database);
+  watcher(copied);
+  return copy.replace() ? Result{} : unwritable(copy.error());
+}
+
+/// The undo of a restore: the file `kept`, which was put aside, and the database change names. In
+/// one step, so that both are there under one of the names at any time; where the file system
+/// cannot, the copy of the kept one takes the place first.
+Result exchange(const QString& database, const QString& kept, const HeldDatabase& held,
+                NewFile& copy, const Watcher& watcher) {
+  const HeldDatabase other(kept, HeldDatabase::Against::writers);
+  if (other.result() == SQLITE_BUSY) {
+    return {Failure::chosenBusy, other.message()};
+  }
+  removeCompanions(kept);  // worked off when the file was opened
+  if (Result moved = moveCompanions(database, kept, watcher); !moved) {
+    return moved;
+  }
+  watcher(copied);
+  if (renameat2(AT_FDCWD, QFile::encodeName(kept).constData(), AT_FDCWD,
+                QFile::encodeName(database).constData(), RENAME_EXCHANGE) == 0) {
+    return {};
+  }
+  NewFile second(kept);
+  if (Result named = nameAgain(database, kept, held, second); !named) {
+    return named;
+  }
+  if (!copy.replace()) {
+    return unwritable(copy.error());
+  }
+  return second.replace() ? Result{} : unwritable(second.error());
+}
+
+/// What is in the place is worth nothing, unlike what an earlier restore has put aside.
+Result replaceDropping(const QString& database, NewFile& copy, const Watcher& watcher) {
+  watcher(copied);
+  removeCompanions(database);
+  watcher(copied);
+  return copy.replace() ? Result{} : unwritable(copy.error());
+}
+
+/// A folder, a pipe, a link to nowhere: nobody can hold it, but it is kept as well.
+Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watcher) {
+  if (Result free = makeRoomAside(database, watcher); !free) {
+    return free;
+  }
+  watcher(copied);
+  if (rename(QFile::encodeName(database).constData(),
+             QFile::encodeName(beforeRestore(database)).constData()) != 0) {
+    return unwritable(errno);
+  }
+  return replaceDropping(database, copy, watcher);
+}
+
+/// Puts the new file in the place of the database, if there is one.
+Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
+                 const Watcher& watcher) {
+  if (!isThere(database)) {
+    return replaceDropping(database, copy, watcher);
+  }
+  if (!isPlainFile(database)) {
+    return replaceOddity(database, copy, watcher);
+  }
+  // Held until the new file has taken the place: a transaction begun in between would leave its
+  // journal beside the wrong database. One begun later finds its file moved and fails.
+  const HeldDatabase held(database, HeldDatabase::Against::writers);
+  if (held.result() == SQLITE_BUSY) {
+    return {Failure::busy, held.message()};
+  }
+  if (held.result() == SQLITE_NOTADB && isThere(beforeRestore(database))) {
+    return replaceDropping(database, copy, watcher);
+  }
+  for (const QString& kept : {beforeRestore(database), beforeEarlierRestore(database)}) {
+    if (isSameFile(kept, chosen)) {
+      return exchange(database, kept, held, copy, watcher);
+    }
+  }
+  return replaceKeeping(database, held, copy, watcher);
+}
+
+}  // namespace
+
+Result restore(const QString& database, const QString& chosen, const Watcher& watcher) {
+  const databaseUse::Turn turn = databaseUse::ifFree();
+  if (!turn) {
+    return {Failure::busy, u"this process is storing"_s};
+  }
+  if (isSameFile(database, chosen)) {
+    return {};
+  }
+  const Watcher told = watcher ? watcher : [](int) {};
+  NewFile::removeLeftovers(database);
+  NewFile copy(database);
+  if (Result done = copyChosen(chosen, database, copy, told); !done) {
+    return done;
+  }
+  if (Result taken = takePlace(database, chosen, copy, told); !taken) {
+    return taken;
+  }
+  told(copied);
+  syncFolderOf(database);
+  return {};
+}
+
+}  // namespace databaseFile
