@@ -5,6 +5,7 @@
 #include "app/singleInstance.h"
 #include "app/startUpCheck.h"
 #include "app/windowState.h"
+#include "base/detachThread.h"
 #include "data/bundle.h"
 #include "device/udevRegistry.h"
 #include "web/webMapView.h"
@@ -58,6 +59,14 @@ void raiseWindow(MainWindow* window) {
   window->activateWindow();
 }
 
+/// A box where there is no window yet.
+void showBox(const QString& text) {
+  QMessageBox box(QMessageBox::Information, QStringLiteral("Morvel GPS"), text);
+  box.setTextFormat(Qt::PlainText);
+  box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+  box.exec();
+}
+
 /// Shows what kept the launcher from making the user's folder; false when nothing did. Launchers
 /// have no boxes of their own where the desktop's tools for it are not installed.
 bool tellLauncherProblem() {
@@ -65,10 +74,7 @@ bool tellLauncherProblem() {
   if (problem.isEmpty()) {
     return false;
   }
-  QMessageBox box(QMessageBox::Information, QStringLiteral("Morvel GPS"), problem);
-  box.setTextFormat(Qt::PlainText);
-  box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
-  box.exec();
+  showBox(problem);
   return true;
 }
 
@@ -78,6 +84,20 @@ bool answersInstead(int argc, char** argv) {
   const QString answer = answerTo(QCoreApplication::arguments());
   std::fputs(qUtf8Printable(answer), stdout);
   return !answer.isNull();
+}
+
+/// Whatever lies in the database's place, the window is there, and with it the restore.
+void tellStartUpProblems(const std::shared_ptr<Dialogs>& dialogs, SingleInstance::Claim claim) {
+  detachThread("start-up-check", [dialogs, claim] {
+    const QString problem = startUpProblem();
+    if (!problem.isNull()) {
+      dialogs->message(problem);
+    } else if (claim == SingleInstance::Claim::unprotected) {
+      dialogs->message(
+          QStringLiteral("データベースのフォルダをロックできません。"
+                         "Trakko を同時に二つ起動しないで下さい。"));
+    }
+  });
 }
 
 }  // namespace
@@ -100,8 +120,15 @@ int main(int argc, char* argv[]) {
   setMainBundle(bundleOfProgram(programPath(QFile::decodeName(argv[0]))));
 
   SingleInstance instance(folderBeside(mainBundle()));
-  if (!instance.claim()) {
+  const SingleInstance::Claim claim = instance.claim();
+  if (claim == SingleInstance::Claim::passedOn) {
     return EXIT_SUCCESS;
+  }
+  if (claim == SingleInstance::Claim::unanswered) {
+    showBox(
+        QStringLiteral("データベースは他の Trakko が使用中ですが、応答がありません。"
+                       "それを終了してから、もう一度起動して下さい。"));
+    return EXIT_FAILURE;
   }
 
   // Neither the controller nor the window is ever destroyed: a download thread may still use them
@@ -117,13 +144,9 @@ int main(int argc, char* argv[]) {
   QObject::connect(&instance, &SingleInstance::raiseRequested, window,
                    [window] { raiseWindow(window); });
 
-  // Before any connection is open: closing the file would take their locks away.
-  const QString problem = startUpProblem(mainBundle());
   controller->awakeFromNib();
   window->show();
-  if (!problem.isNull()) {
-    dialogs->message(problem);
-  }
+  tellStartUpProblems(dialogs, claim);
   controller->applicationDidFinishLaunching();
   const int result = QApplication::exec();
   // Leaving without unwinding ends running threads at once. A run that is just being stored is

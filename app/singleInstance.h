@@ -1,39 +1,40 @@
 #pragma once
 
+#include "data/databaseLock.h"
+
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
 
-/// Keeps a second process away from a database: two writers would give the same activity number
-/// twice.
-///
-/// The process that holds the lock listens; every later one asks it to show its window and ends.
+/// Keeps a second process of the program away from a database. The process that holds the lock
+/// listens; every later one asks it to show its window and ends.
 class SingleInstance : public QObject {
   Q_OBJECT
 
  public:
+  enum class Claim {
+    granted,      ///< This process may work on the database.
+    unprotected,  ///< It may, but nothing keeps a second one away.
+    passedOn,     ///< Another process works on it and has been asked to show its window.
+    unanswered,   ///< Another process works on it and does not answer.
+  };
+
   /// `folder` is the one that holds the database, with its trailing "/".
   explicit SingleInstance(const QString& folder);
-  ~SingleInstance() override;
-  Q_DISABLE_COPY_MOVE(SingleInstance)
 
-  /// True when this process may work on the database: it holds the lock (the kernel gives it back
-  /// when the process ends, however it ends), or no lock can be had in that folder at all.
-  /// Otherwise the process that holds it has been asked to show its window.
-  bool claim();
+  /// Waits up to nine seconds for the answer of another process.
+  Claim claim();
 
  Q_SIGNALS:
   /// Another start asks for this process's window.
   void raiseRequested();
 
  private:
-  bool lock();
   void listen();
-  void askOther() const;
-  void readRequest();
+  void answer();
+  bool askOther() const;
 
-  QString lockPath_;
+  DatabaseLock lock_;
   QString serverName_;
-  int lockFile_ = -1;
   QLocalServer server_;
 };

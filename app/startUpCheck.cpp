@@ -1,17 +1,13 @@
 #include "app/startUpCheck.h"
 
-#include <QFile>
+#include "data/bundle.h"
+#include "data/dataControl.h"
+#include "data/schemaCheck.h"
+
 #include <QFileInfo>
+#include <QThread>
 
 namespace {
-
-/// True when the file is empty or begins as every SQLite 3 database does
-/// (https://www.sqlite.org/fileformat.html, "Database Header").
-bool looksLikeDatabase(QFile& file) {
-  const QByteArray magic = QByteArrayLiteral("SQLite format 3\0");
-  const QByteArray start = file.read(magic.size());
-  return start.isEmpty() || start == magic;
-}
 
 QString folderProblem(const QString& folder) {
   const QFileInfo info(folder);
@@ -20,45 +16,68 @@ QString folderProblem(const QString& folder) {
   }
   if (!info.isWritable()) {
     return QStringLiteral(
-               "データベースのフォルダ「%"
-               "1」に書き込めません。ダウンロードしたランは保存されません。"
+               "データベースのフォルダ「%1」に書き込めません。ダウンロードしたランは保存されません。"
                "書き込めるフォルダに Trakko.app を移動して下さい。")
         .arg(folder);
   }
   return {};
 }
 
-QString fileProblem(const QString& path) {
-  QFile file(path);
-  if (!file.exists()) {
-    return {};
+/// Another connection may hold the file for a moment.
+schemaCheck::Finding patientCheck(const QString& path) {
+  constexpr int tries = 10;
+  constexpr int waitMs = 100;
+  schemaCheck::Finding finding = schemaCheck::check(path);
+  for (int i = 1; i < tries && finding == schemaCheck::Finding::unreadable; ++i) {
+    QThread::msleep(waitMs);
+    finding = schemaCheck::check(path);
   }
-  if (!file.open(QIODevice::ReadOnly)) {
-    return QStringLiteral("データベース「%1」を読めません。ファイルの権限を確認して下さい。")
-        .arg(path);
-  }
-  if (!looksLikeDatabase(file)) {
-    return QStringLiteral(
-               "「%1」はデータベースではないか、壊れています。ファイルを別の場所に移動するか、"
-               "バックアップから復元して下さい。")
-        .arg(path);
-  }
-  if (!QFileInfo(path).isWritable()) {
-    return QStringLiteral(
-               "データベース「%1」は読み取り専用です。ダウンロードや消去は保存されません。")
-        .arg(path);
+  return finding;
+}
+
+QString contentProblem(const QString& path) {
+  switch (patientCheck(path)) {
+    case schemaCheck::Finding::complete:
+      break;
+    case schemaCheck::Finding::noDatabase:
+      return QStringLiteral(
+                 "「%1」はデータベースではないか、壊れています。ファイルを別の場所に移動するか、"
+                 "バックアップから復元して下さい。")
+          .arg(path);
+    case schemaCheck::Finding::tablesMissing:
+      return QStringLiteral(
+                 "データベース「%1」に必要な表や列がありません。ファイルを別の場所に移動するか、"
+                 "バックアップから復元して下さい。")
+          .arg(path);
+    case schemaCheck::Finding::unreadable:
+      return QStringLiteral(
+                 "データベース「%1」を読めません。他のプログラムが使用していないか、"
+                 "ファイルの権限を確認して下さい。")
+          .arg(path);
   }
   return {};
 }
 
-}  // namespace
-
-bool isNoDatabase(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) && !looksLikeDatabase(file);
+QString fileProblem(const QString& path) {
+  const QFileInfo info(path);
+  if (info.exists() && !(info.isFile() && info.isReadable())) {
+    return QStringLiteral("データベース「%1」を読めません。ファイルの権限を確認して下さい。")
+        .arg(path);
+  }
+  const dataControl tables;  // made where there are none
+  const QString problem = info.exists() ? contentProblem(path) : QString();
+  if (problem.isNull() && info.exists() && !info.isWritable()) {
+    return QStringLiteral(
+               "データベース「%1」は読み取り専用です。ダウンロードや消去は保存されません。")
+        .arg(path);
+  }
+  return problem;
 }
 
-QString startUpProblem(const Bundle& bundle) {
+}  // namespace
+
+QString startUpProblem() {
+  const Bundle bundle = mainBundle();
   const QString path = databasePath(bundle);
   if (path.isNull()) {
     return QStringLiteral(

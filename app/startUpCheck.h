@@ -1,13 +1,8 @@
 #pragma once
 
-#include "data/bundle.h"
-
 #include <QString>
 
-/// What keeps the database beside the bundle from being used, as a message for the user; null when
-/// nothing does. Reads the file's first bytes only and changes nothing.
-QString startUpProblem(const Bundle& bundle);
-
-/// True when the file can be read and does not begin as a database does. Not for the database in
-/// use: closing the file gives up the locks that this process holds on it.
-bool isNoDatabase(const QString& path);
+/// What keeps the database beside the main bundle from being used, as a message for the user; null
+/// when nothing does. Makes the tables where there are none. Any thread but the main one: it may
+/// wait a second for a database that is in use.
+QString startUpProblem();

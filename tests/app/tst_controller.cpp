@@ -313,11 +313,14 @@ void TestController::startUpProblems() {
   QVERIFY(file.open(QIODevice::WriteOnly));
   file.write(content);
   file.close();
-  const QString found = startUpProblem({folder.filePath("Trakko.app"), "Trakko"});
+  setMainBundle({folder.filePath("Trakko.app"), "Trakko"});
+  const QString found = startUpProblem();
   QCOMPARE(found.isNull(), problem.isNull());
   QVERIFY(found.contains(problem));
-  QVERIFY(!startUpProblem({"/nowhere/at/all/Trakko.app", "Trakko"}).isNull());
-  QVERIFY(!startUpProblem({"/x", "Trakko"}).isNull());
+  for (const char* path : {"/nowhere/at/all/Trakko.app", "/x"}) {
+    setMainBundle({path, "Trakko"});
+    QVERIFY(!startUpProblem().isNull());
+  }
 }
 
 QTEST_MAIN(TestController)

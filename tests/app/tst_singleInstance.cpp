@@ -1,85 +1,81 @@
 #include "app/singleInstance.h"
 
+#include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
+#include <atomic>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
-class TestSingleInstance : public QObject {
+using Claim = SingleInstance::Claim;
+using State = DatabaseLock::State;
+
+class tst_singleInstance : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
-  void secondStartRaisesTheFirst();
-  void onlyOneOfManyWins();
-  void foldersAreIndependent();
-  void missingFolderIsNoObstacle();
-  void lockFileOfAnotherUser();
+  static void furtherStartsRaiseTheFirst() {
+    const QTemporaryDir folder;
+    const QString name = folder.path() + "/";
+    const QString otherName = name + "../" + folder.path().section('/', -1) + "/";
+    {
+      SingleInstance first(name);
+      QCOMPARE(first.claim(), Claim::granted);
+      QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+      std::atomic<int> passedOn{0};
+      std::vector<std::thread> starts;  // each as another process would be
+      for (int i = 0; i < 5; ++i) {
+        starts.emplace_back([&, i] {
+          SingleInstance further(i == 0 ? otherName : name);
+          passedOn += further.claim() == Claim::passedOn ? 1 : 0;
+        });
+      }
+      QTRY_COMPARE(raised.size(), 5);
+      QTRY_COMPARE(passedOn, 5);
+      for (std::thread& start : starts) {
+        start.join();
+      }
+      const QTemporaryDir other;
+      QCOMPARE(SingleInstance(other.path() + "/").claim(), Claim::granted);
+    }
+    QCOMPARE(SingleInstance(name).claim(), Claim::granted);
+  }
+
+  static void silentFirst() {
+    const QTemporaryDir folder;
+    DatabaseLock held(folder.path() + "/");
+    QCOMPARE(held.take(), State::held);
+    QCOMPARE(SingleInstance(folder.path() + "/").claim(), Claim::unanswered);
+    QCOMPARE(SingleInstance("/nowhere/at/all/").claim(), Claim::unprotected);
+  }
+
+  // Whatever lies where a lock file could.
+  static void locks_data() {
+    QTest::addColumn<bool>("isFolder");
+    QTest::addColumn<uid_t>("user");
+    QTest::newRow("nothing") << false << uid_t{0};
+    QTest::newRow("folder") << true << uid_t{0};
+    QTest::newRow("another user") << false << uid_t{65534};
+  }
+  static void locks() {
+    QFETCH(const bool, isFolder);
+    QFETCH(const uid_t, user);
+    const QTemporaryDir folder;
+    chmod(QFile::encodeName(folder.path()).constData(), 0755);
+    QVERIFY(!isFolder || QDir(folder.path()).mkdir("gpsData.lock"));
+    DatabaseLock first(folder.path() + "/");
+    QCOMPARE(first.take(), State::held);
+    const uid_t self = geteuid();
+    QCOMPARE(seteuid(self == 0 ? user : self), 0);
+    const State second = DatabaseLock(folder.path() + "/").take();
+    QCOMPARE(seteuid(self), 0);
+    QCOMPARE(second, State::taken);
+  }
 };
 
-void TestSingleInstance::secondStartRaisesTheFirst() {
-  QTemporaryDir folder;
-  auto first = std::make_unique<SingleInstance>(folder.path() + "/");
-  QVERIFY(first->claim());
-  QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
-  // Another name of the same folder; on another thread, as another process would be.
-  bool claimed = true;
-  std::thread([&] {
-    claimed = SingleInstance(folder.path() + "/../" + folder.path().section('/', -1) + "/").claim();
-  }).join();
-  QVERIFY(!claimed);
-  QTRY_COMPARE(raised.size(), 1);
-  first.reset();
-  SingleInstance next(folder.path() + "/");
-  QVERIFY(next.claim());
-}
-
-void TestSingleInstance::onlyOneOfManyWins() {
-  QTemporaryDir folder;
-  SingleInstance owner(folder.path() + "/");
-  QVERIFY(owner.claim());
-  QSignalSpy raised(&owner, &SingleInstance::raiseRequested);
-  std::atomic<int> winners{0};
-  std::vector<std::thread> starts;
-  for (int i = 0; i < 5; ++i) {
-    starts.emplace_back([&] { winners += SingleInstance(folder.path() + "/").claim() ? 1 : 0; });
-  }
-  QTRY_COMPARE(raised.size(), 5);
-  for (std::thread& start : starts) {
-    start.join();
-  }
-  QCOMPARE(winners, 0);
-}
-
-void TestSingleInstance::foldersAreIndependent() {
-  QTemporaryDir one;
-  QTemporaryDir other;
-  SingleInstance first(one.path() + "/");
-  SingleInstance second(other.path() + "/");
-  QVERIFY(first.claim());
-  QVERIFY(second.claim());
-}
-
-void TestSingleInstance::missingFolderIsNoObstacle() {
-  SingleInstance instance("/nowhere/at/all/");
-  QVERIFY(instance.claim());
-}
-
-void TestSingleInstance::lockFileOfAnotherUser() {
-  QTemporaryDir folder;
-  SingleInstance owner(folder.path() + "/");
-  QVERIFY(owner.claim());
-  chmod(QFile::encodeName(folder.path()).constData(), 0755);
-  chmod(QFile::encodeName(folder.filePath("gpsData.lock")).constData(), 0444);
-  const uid_t user = geteuid();
-  QCOMPARE(seteuid(user == 0 ? 65534 : user), 0);  // root may write anything
-  const bool claimed = SingleInstance(folder.path() + "/").claim();
-  QCOMPARE(seteuid(user), 0);
-  QVERIFY(!claimed);
-}
-
-QTEST_GUILESS_MAIN(TestSingleInstance)
+QTEST_GUILESS_MAIN(tst_singleInstance)
 #include "tst_singleInstance.moc"
