@@ -55,7 +55,7 @@ QString doubtAbout(const QString& chosen, Finding finding) {
 /// Where the data from before the restore are, as a sentence; null when none were kept.
 QString whereKept() {
   const QFileInfo kept(databaseFile::beforeRestore(databasePath(mainBundle())));
-  return kept.exists() ? QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.fileName())
+  return kept.exists() ? QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.filePath())
                        : QString();
 }
 
@@ -133,7 +133,7 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
       [this, path, doubt](const Result& result) {
         report(result,
                doubt.isNull() ? QStringLiteral("「%1」から復元しました。").arg(path)
-                              : doubt + whereKept(),
+                              : whereKept() + doubt,
                QStringLiteral("復元できませんでした"));
         getNewData = 1;
         startRefresh();
@@ -152,13 +152,13 @@ void TrakkoAppDelegate::startFileWork(const QString& line,
                                       std::function<Result(const databaseFile::Watcher&)> work,
                                       std::function<void(const Result&)> done) {
   fileWorkRuns_ = true;
-  showStatus(line);
+  showStatus(line, Verdict::progress);
   const databaseFile::Watcher watcher = [this, line, shown = 0](int percent) mutable {
     constexpr int step = 10;  // percent; whoever has the line read aloud hears each
     if (percent / step != shown) {
       shown = percent / step;
       performOnMainThread([this, text = QStringLiteral("%1 %2%").arg(line).arg(shown * step)] {
-        showStatus(text);
+        showStatus(text, Verdict::progress);
       });
     }
   };
@@ -177,9 +177,9 @@ void TrakkoAppDelegate::startFileWork(const QString& line,
 // Neither command shows a box for its result; it stands in the line at the bottom and in the log.
 void TrakkoAppDelegate::report(const Result& result, const QString& done, const QString& failed) {
   if (result) {
-    showStatus(done);
+    showStatus(done, Verdict::done);
     return;
   }
   qCWarning(lcDatabase).noquote() << failed << result.detail;
-  showStatus(failed + QStringLiteral("：") + reason(result.failure));
+  showStatus(failed + QStringLiteral("：") + reason(result.failure), Verdict::failure);
 }

@@ -49,7 +49,8 @@ void TrakkoAppDelegate::saveGPXFile() {
   myTrackName = withT(run.startTime);
   if (!run.wasRead || pointDic.size() < fewestGpxPoints) {
     showStatus(run.wasRead ? QStringLiteral("トラックポイントが少ないため、GPX に書き出せません。")
-                           : QStringLiteral("データベースを読み取れないため、書き出せません。"));
+                           : QStringLiteral("データベースを読み取れないため、書き出せません。"),
+               Verdict::failure);
     return;
   }
   saveFile(convertGPX(myTrackName), exportFileName(run.startTime, ExportFormat::Gpx),
@@ -66,10 +67,12 @@ void TrakkoAppDelegate::saveFile(const QByteArray& data, const QString& fileName
     showStatus(currentNumber < 1
                    ? QStringLiteral("書き出すランがありません。")
                    : QStringLiteral("開始日時がないか、データベースを読み取れないため、"
-                                    "このランは書き出せません。"));
+                                    "このランは書き出せません。"),
+               Verdict::failure);
     return;
   }
-  showStatus(writeFileAtomically(path, data)
-                 ? QStringLiteral("「%1」に保存しました。").arg(path)
-                 : QStringLiteral("「%1」に保存できませんでした。").arg(path));
+  const bool written = writeFileAtomically(path, data);
+  showStatus(written ? QStringLiteral("「%1」に保存しました。").arg(path)
+                     : QStringLiteral("「%1」に保存できませんでした。").arg(path),
+             written ? Verdict::done : Verdict::failure);
 }
