@@ -18,6 +18,7 @@
 
 #include <atomic>
 #include <benchmark/benchmark.h>
+#include <functional>
 
 namespace {
 
@@ -49,8 +50,8 @@ class OneWatch : public UsbRegistry {
 class NoMap : public MapView {
  public:
   void loadPage(const QString&, const QUrl&) override {}
-  void evaluate(const QString&, std::function<void()>) override {}
-  void callFunction(const QString&, const QStringList&, std::function<void()>) override {}
+  void evaluate(const QString&) override {}
+  void callFunction(const QString&, const QStringList&) override {}
 };
 
 void waitFor(const std::function<bool()>& condition) {

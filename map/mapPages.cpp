@@ -1,6 +1,7 @@
 #include "map/mapPages.h"
 
-#include <QFile>
+#include "base/resource.h"
+
 #include <QUrl>
 
 #include <initializer_list>
@@ -13,11 +14,7 @@ using namespace Qt::StringLiterals;
 /// A page's text with its placeholders, such as "@KEY@", filled in.
 QString filledPage(const QString& name,
                    std::initializer_list<std::pair<QLatin1StringView, QString>> values) {
-  QFile file(u":/map/pages/"_s + name);
-  if (!file.open(QIODevice::ReadOnly)) {
-    qFatal("The program was built without the page %s", qPrintable(name));
-  }
-  QString page = QString::fromUtf8(file.readAll());
+  QString page = QString::fromUtf8(resource(u":/map/pages/"_s + name));
   page.replace(u'\n', u" \r\n"_s);
   for (const auto& [placeholder, value] : values) {
     page.replace(placeholder, value);

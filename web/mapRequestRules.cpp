@@ -13,8 +13,15 @@ QUrl server(const QString& scheme, const QString& host) {
   return QUrl(serviceAddress(scheme, host));
 }
 
+/// The port of an address, whether it says so or not: the engine drops the usual ones.
+int portOf(const QUrl& url) {
+  constexpr int http = 80;
+  constexpr int https = 443;
+  return url.port(url.scheme() == u"https" ? https : http);
+}
+
 bool isSameServer(const QUrl& a, const QUrl& b) {
-  return a.host() == b.host() && a.scheme() == b.scheme() && a.port() == b.port();
+  return a.host() == b.host() && a.scheme() == b.scheme() && portOf(a) == portOf(b);
 }
 
 bool isWithin(const QString& host, const QStringList& domains) {
@@ -52,8 +59,8 @@ MapRequestRules::MapRequestRules(const MapSettings& services)
   }
 }
 
-MapRequestDecision MapRequestRules::decide(const QUrl& url) const {
-  using Kind = MapRequestDecision::Kind;
+RequestDecision MapRequestRules::decide(const QUrl& url) const {
+  using Kind = RequestDecision::Kind;
   const QString scheme = url.scheme();
   if (scheme == QLatin1StringView(mapScheme) || scheme == u"data" || scheme == u"blob") {
     return {Kind::Allow, {}};
@@ -75,8 +82,7 @@ MapRequestDecision MapRequestRules::decide(const QUrl& url) const {
 
 bool MapRequestRules::isReadable(const QUrl& file) const {
   const QString path = QDir::cleanPath(file.toLocalFile());
-  return file.host().isEmpty() && ((!imageFolder.isEmpty() && path.startsWith(imageFolder)) ||
-                                   (!pageFile.isEmpty() && path == pageFile));
+  return file.host().isEmpty() && !imageFolder.isEmpty() && path.startsWith(imageFolder);
 }
 
 QUrl MapRequestRules::ownAnswer(const QUrl& url) const {

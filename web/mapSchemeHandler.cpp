@@ -1,5 +1,6 @@
 #include "web/mapSchemeHandler.h"
 
+#include "base/resource.h"
 #include "web/scriptText.h"
 
 #include <QBuffer>
@@ -13,24 +14,17 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-QByteArray bundled(const QString& name) {
-  QFile file(u":/map/"_s + name);
-  if (!file.open(QIODevice::ReadOnly)) {
-    qFatal("The program was built without %s", qPrintable(name));
-  }
-  return file.readAll();
-}
-
 /// Leaflet, the Maps interface on it, and the call that starts both.
 QByteArray bundledScript(const QString& tileAddress) {
-  const QString styleSheet = QString::fromUtf8(bundled(u"leaflet.css"_s));
-  return bundled(u"leaflet.min.js"_s) + '\n' + bundled(u"bundledMap.js"_s) + '\n' +
+  const QString styleSheet = QString::fromUtf8(resource(u":/web/leaflet.css"_s));
+  return resource(u":/web/leaflet.min.js"_s) + '\n' + resource(u":/web/bundledMap.js"_s) + '\n' +
          scriptCall(u"startBundledMap"_s, {tileAddress, styleSheet}).toUtf8();
 }
 
 }  // namespace
 
-MapSchemeHandler::MapSchemeHandler(const QString& tileAddress) : tileAddress_(tileAddress) {}
+MapSchemeHandler::MapSchemeHandler(const QString& tileAddress, QObject* parent)
+    : QWebEngineUrlSchemeHandler(parent), tileAddress_(tileAddress) {}
 
 void MapSchemeHandler::requestStarted(QWebEngineUrlRequestJob* job) {
   const QString path = job->requestUrl().path();

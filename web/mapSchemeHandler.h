@@ -10,7 +10,7 @@ class MapSchemeHandler : public QWebEngineUrlSchemeHandler {
 
  public:
   /// `tileAddress` is the template of the bundled map's tiles.
-  explicit MapSchemeHandler(const QString& tileAddress);
+  MapSchemeHandler(const QString& tileAddress, QObject* parent);
 
   void requestStarted(QWebEngineUrlRequestJob* job) override;
 

@@ -4,8 +4,6 @@
 #include <QStringList>
 #include <QUrl>
 
-#include <functional>
-
 /// The page that shows the map, as the controller drives it. Main thread. Calls into the page are
 /// carried out strictly in the order in which they were made.
 class MapView {
@@ -14,9 +12,8 @@ class MapView {
 
   /// Loads a page from its text; relative addresses are taken from `baseUrl`.
   virtual void loadPage(const QString& html, const QUrl& baseUrl) = 0;
-  /// Evaluates a script in the page; `done` is called once it has run.
-  virtual void evaluate(const QString& script, std::function<void()> done = {}) = 0;
+  /// Evaluates a script in the page.
+  virtual void evaluate(const QString& script) = 0;
   /// Calls a function of the page with texts as arguments, quoted so that no text becomes script.
-  virtual void callFunction(const QString& name, const QStringList& arguments,
-                            std::function<void()> done = {}) = 0;
+  virtual void callFunction(const QString& name, const QStringList& arguments) = 0;
 };

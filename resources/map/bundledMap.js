@@ -27,6 +27,9 @@ function startBundledMap(tileAddress, styleSheet) {
         transform: translateX(-50%); padding: 5px 12px; border-radius: 4px; white-space: nowrap;
         font: 13px "Noto Sans CJK JP", "Noto Sans JP", sans-serif; color: #333;
         background: rgba(255, 255, 255, 0.9); box-shadow: 0 1px 4px rgba(0, 0, 0, 0.3); }
+    .leaflet-container a:focus-visible { outline: 3px solid #0b57d0; outline-offset: -3px; }
+    .leaflet-container:focus-visible::after { content: ''; position: absolute; inset: 0;
+        z-index: 1100; pointer-events: none; border: 3px solid #0b57d0; }
     .trakko-marker img { position: absolute; max-width: none; }
     .trakko-dot { position: absolute; width: 10px; height: 10px; margin: -7px 0 0 -7px;
         border: 2px solid #fff; border-radius: 50%; background: #222; }`;
@@ -65,7 +68,6 @@ function startBundledMap(tileAddress, styleSheet) {
       this.box.extend(toLeaflet(place));
       return this;
     }
-    isEmpty() { return !this.box.isValid(); }
   }
 
   class Point {
@@ -125,8 +127,12 @@ function startBundledMap(tileAddress, styleSheet) {
     const leaflet = L.map(element, {
       maxZoom,
       renderer: L.canvas({padding: 0.5}),
-      worldCopyJump: true
+      worldCopyJump: true,
+      zoomControl: false
     });
+    L.control.zoom({zoomInTitle: '拡大', zoomOutTitle: '縮小'}).addTo(leaflet);
+    leaflet.attributionControl.setPrefix('<a href="https://leafletjs.com">Leaflet</a>');
+    element.setAttribute('aria-label', '地図');
     if (options.scaleControl) {
       L.control.scale({imperial: false}).addTo(leaflet);
     }
@@ -161,13 +167,15 @@ function startBundledMap(tileAddress, styleSheet) {
     // In a window that is not shown yet there is nothing to fit into: the place is taken again as
     // soon as there is.
     moveTo(place) {
+      const leaflet = this.leaflet;
       place();
-      this.leaflet.off('resize');
-      if (this.leaflet.getSize().x === 0) {
-        this.leaflet.once('resize', () => this.moveTo(place));
+      leaflet.off('resize', leaflet.placeAgain);
+      if (leaflet.getSize().x === 0) {
+        leaflet.placeAgain = () => this.moveTo(place);
+        leaflet.on('resize', leaflet.placeAgain);
         return;
       }
-      this.leaflet.ground.show();
+      leaflet.ground.show();
     }
   }
 

@@ -1,12 +1,15 @@
-// Runs in every map page before its own scripts, in a world of its own.
+// Runs in every page before its own scripts, in a world of its own.
 
 // Tells the program by `readyWord` that the document is there, and the user when the map service's
-// script cannot be had: the page itself would just stay empty.
-function watchPage(readyWord) {
+// script cannot be had: the page itself would just stay empty. Only the scripts that stand in the
+// page's text, `html`, count: what a service loads besides may fail without harm to the map.
+function watchPage(readyWord, html) {
   'use strict';
 
   const failure = '地図サービスに接続できません';
   const silenceAfter = 10000;  // ms
+  const needed = new Set([...new DOMParser().parseFromString(html, 'text/html').scripts]
+      .map(script => script.getAttribute('src')).filter(address => address));
   const answered = new WeakSet();
   let note = null;
   let failed = false;
@@ -30,8 +33,12 @@ function watchPage(readyWord) {
     showNote(place);
   }
 
+  function isNeeded(script) {
+    return script instanceof HTMLScriptElement && needed.has(script.getAttribute('src'));
+  }
+
   function silent() {
-    return [...document.scripts].some(script => script.src && !answered.has(script));
+    return [...document.scripts].some(script => isNeeded(script) && !answered.has(script));
   }
 
   // Of loads, unlike errors, the window does not hear.
@@ -44,7 +51,7 @@ function watchPage(readyWord) {
   }, true);
 
   window.addEventListener('error', event => {
-    if (event.target instanceof HTMLScriptElement) {
+    if (isNeeded(event.target)) {
       answered.add(event.target);
       failed = true;
       makeNote(document.body);

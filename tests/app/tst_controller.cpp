@@ -31,6 +31,7 @@ class TestController : public QObject {
   void firstRunIsDrawnOnce();
   void deleting_data();
   void deleting();
+  void chinaMap();
   void exports();
   void exportsThatOfferNothing_data();
   void exportsThatOfferNothing();
@@ -223,11 +224,29 @@ void TestController::deleting() {
   QCOMPARE(fixture.controller->getNewData, 0);
 }
 
+// Has a page of its own, and nothing is drawn on it.
+void TestController::chinaMap() {
+  WindowFixture fixture;
+  storeRuns(1);
+  fixture.start();
+  fixture.controller->didReceiveTitle("Map Load OK");
+  fixture.settle();
+  fixture.map.calls.clear();
+  fixture.controller->isAvailable = false;
+  fixture.controller->webLoadStr();
+  fixture.controller->displayMap();
+  fixture.settle();
+  QCOMPARE(fixture.map.calls.size(), 1);
+  QVERIFY(fixture.map.calls[0].endsWith(" AMap"));
+  QVERIFY(fixture.controller->getGDMapStr(1).startsWith("new Array(new AMap.LngLat("));
+}
+
 void TestController::exports() {
-  qputenv("TZ", "America/Caracas");  // four hours west all year
+  qputenv("TZ", "Europe/Moscow");  // four hours east when the run was, three since
   const auto backToUtc = qScopeGuard([] { qputenv("TZ", "UTC"); });
   WindowFixture fixture;
   storeRuns(1);
+  dataControl().deleteRecord("update T_RunData set T_RunStartTime='2014-05-01 07:30:00'");
   fixture.start();
   fixture.dialogs->fileAnswer = fixture.file("run.TCX");
   fixture.controller->SaveTCXFile();
@@ -236,11 +255,11 @@ void TestController::exports() {
   fixture.dialogs->fileAnswer = QString();
   fixture.controller->saveGPXFile();
   QCOMPARE(fixture.dialogs->panels,
-           QStringList({"Save File|20260501073000|TCX", "Save File|20260501073000|GPX",
-                        "Save File|20260501073000|GPX"}));
+           QStringList({"Save File|20140501073000|TCX", "Save File|20140501073000|GPX",
+                        "Save File|20140501073000|GPX"}));
   QFile tcx(fixture.file("run.TCX"));
   QVERIFY(tcx.open(QIODevice::ReadOnly));
-  QVERIFY(tcx.readAll().contains("<Id>2026-05-01T07:30:00+-4:00</Id>"));
+  QVERIFY(tcx.readAll().contains("<Id>2014-05-01T07:30:00+03:00</Id>"));
   QFile gpx(fixture.file("run.GPX"));
   QVERIFY(gpx.open(QIODevice::ReadOnly));
   QCOMPARE(gpx.readAll().count("<trkpt "), 12);

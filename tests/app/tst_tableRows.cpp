@@ -81,12 +81,15 @@ void TestTableRows::lapsRepeatTheRunsCalories() {
                                         "141", "160", "09:00:00", "322"}));
 }
 
+// A missing lap is passed over, and hides the last one behind it.
 void TestTableRows::missingLapHidesTheLastOne() {
   const LapDictionary laps = {{QStringLiteral("7-1"), lapNumber(1)},
-                              {QStringLiteral("7-3"), lapNumber(3)}};
+                              {QStringLiteral("7-3"), lapNumber(3)},
+                              {QStringLiteral("7-4"), lapNumber(4)}};
   const auto rows = lapRows({}, laps, 7);
-  QCOMPARE(rows.size(), 2U);
+  QCOMPARE(rows.size(), 3U);
   QCOMPARE(rows[1].nsStrName1, QStringLiteral("Lap 1"));
+  QCOMPARE(rows[2].nsStrName1, QStringLiteral("Lap 3"));
 }
 
 void TestTableRows::points() {

@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -84,21 +85,12 @@ class RecordingMap : public MapView {
   QStringList calls;
 
   void loadPage(const QString& html, const QUrl& baseUrl) override {
-    Q_UNUSED(html)
-    calls << QStringLiteral("load ") + baseUrl.toString();
+    calls << QStringLiteral("load ") + baseUrl.toString() +
+                 (html.contains(QStringLiteral("AMap")) ? QStringLiteral(" AMap") : QString());
   }
-  void evaluate(const QString& script, std::function<void()> done) override {
-    calls << script;
-    if (done) {
-      done();
-    }
-  }
-  void callFunction(const QString& name, const QStringList& arguments,
-                    std::function<void()> done) override {
+  void evaluate(const QString& script) override { calls << script; }
+  void callFunction(const QString& name, const QStringList& arguments) override {
     calls << name + u'(' + arguments.join(QStringLiteral(" | ")) + u')';
-    if (done) {
-      done();
-    }
   }
 };
 

@@ -1,5 +1,3 @@
-#include "base/trackTime.h"
-#include "map/drawingScripts.h"
 #include "map/framing.h"
 #include "map/trackOverlay.h"
 #include "tests/map/trackOf.h"
@@ -9,7 +7,7 @@
 
 #include <cmath>
 
-class TrackOverlayTest : public QObject {
+class tst_trackOverlay : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
@@ -75,24 +73,37 @@ class TrackOverlayTest : public QObject {
     QTEST(buildGDOverlay(points, 1, {}).breakPointStr, "gd");
   }
 
+  void usablePoints_data() {
+    QTest::addColumn<QString>("latSign");
+    QTest::addColumn<QString>("lonSign");
+    QTest::addColumn<bool>("google");
+    QTest::addColumn<bool>("gd");
+    const auto row = [](const char* name, const QString& latSign, const QString& lonSign,
+                        bool google,
+                        bool gd) { QTest::newRow(name) << latSign << lonSign << google << gd; };
+    row("both", "N", "E", true, true);
+    row("latitude", "S", "0", true, true);
+    row("longitude", "", "W", true, true);
+    row("codes", "78", "69", true, false);
+    row("codes crossed", "69", "78", false, false);
+    row("one code", "78", "0", false, false);
+    row("crossed", "E", "N", false, false);
+    row("absent", {}, {}, false, false);
+  }
+
   // A run without any usable point leaves everything as it was.
   void usablePoints() {
-    const struct {
-      QString latSign, lonSign;
-      bool google, gd;
-    } rows[] = {{"N", "E", true, true},    {"S", "0", true, true},     {"", "W", true, true},
-                {"78", "69", true, false}, {"69", "78", false, false}, {"78", "0", false, false},
-                {"E", "N", false, false},  {{}, {}, false, false}};
-    for (const auto& [latSign, lonSign, google, gd] : rows) {
-      const PointDictionary points{{"1-1", pointAt("1", "3", latSign, lonSign)},
-                                   {"1-2", pointAt("2", "4", latSign, lonSign)}};
-      const TrackOverlay overlay = buildGoogleOverlay(points, 1, "earlier");
-      QCOMPARE(overlay.bounds, google ? (TrackBounds{2, 1, 4, 3}) : TrackBounds());
-      QCOMPARE(overlay.breakPointStr, google ? "1" : "");
-      QCOMPARE(overlay.expression.isEmpty(), !google);
-      QCOMPARE(overlay.arrPointStr == "earlier", !google);
-      QCOMPARE(buildGDOverlay(points, 1, {}).expression.isEmpty(), !gd);
-    }
+    QFETCH(QString, latSign);
+    QFETCH(QString, lonSign);
+    QFETCH(bool, google);
+    const PointDictionary points{{"1-1", pointAt("1", "3", latSign, lonSign)},
+                                 {"1-2", pointAt("2", "4", latSign, lonSign)}};
+    const TrackOverlay overlay = buildGoogleOverlay(points, 1, "earlier");
+    QCOMPARE(overlay.bounds, google ? (TrackBounds{2, 1, 4, 3}) : TrackBounds());
+    QCOMPARE(overlay.breakPointStr, google ? "1" : "");
+    QCOMPARE(overlay.expression.isEmpty(), !google);
+    QCOMPARE(overlay.arrPointStr == "earlier", !google);
+    QTEST(!buildGDOverlay(points, 1, {}).expression.isEmpty(), "gd");
   }
 
   // The stretch reaches 20 points to each side of the middle; a pair has to differ both ways, else
@@ -102,7 +113,7 @@ class TrackOverlayTest : public QObject {
     for (int i = 0; i < 101; ++i) {
       points.insert(QString("1-%1").arg(i + 1), pointAt(QString::number(30 + i), "139"));
     }
-    points["1-30"].T_PointLongitudeN = "140";  // index 29: just outside
+    points["1-30"].T_PointLongitudeN = points["1-72"].T_PointLongitudeN = "140";  // just outside
     QCOMPARE(buildGoogleOverlay(points, 1, "earlier").arrPointStr, "earlier");
     points["1-32"] = pointAt("61", "141", "0", "0");  // needs no sign here
     QCOMPARE(buildGoogleOverlay(points, 1, "earlier").arrPointStr,
@@ -115,42 +126,33 @@ class TrackOverlayTest : public QObject {
     QCOMPARE(buildGoogleOverlay(gap, 1, "earlier").arrPointStr, "earlier");
   }
 
-  // Texts by the number that the script may get; it would take zeros in front for octal.
+  void hostileCoordinates_data() {
+    QTest::addColumn<QString>("inScript");
+    for (const char* text : {"35.681236", "35", "-35.5", "0"}) {
+      QTest::newRow(text) << text;  // as stored
+    }
+    for (const char* text : {"alert(1)", "0x10", "1e999", "nan", "-", "３５", ""}) {
+      QTest::newRow(text) << "0.000000";
+    }
+    QTest::newRow(QByteArray(400, '9').constData()) << "0.000000";
+    QTest::newRow(".5") << "0.500000";
+    QTest::newRow("1});alert(1);//") << "1.000000";
+    QTest::newRow("010.5") << "10.500000";  // script would take it for octal
+    QTest::newRow("35.") << "35.000000";
+    QTest::newRow("35.5.5") << "35.500000";
+    QTest::newRow("+35.5") << "35.500000";
+    QTest::newRow("1e3") << "1000.000000";
+  }
+
   void hostileCoordinates() {
-    const std::pair<QString, QStringList> rows[] = {
-        {"%1", {"35.681236", "35", "-35.5", "0"}},  // as stored
-        {"0.000000",
-         {"alert(1)", "0x10", "1e999", "nan", "-", "３５", QString(), QString(400, '9')}},
-        {"0.500000", {".5"}},
-        {"1.000000", {"1});alert(1);//"}},
-        {"10.500000", {"010.5"}},
-        {"35.000000", {"35."}},
-        {"35.500000", {"35.5.5", " 35.5", "+35.5"}},
-        {"1000.000000", {"1e3"}}};
+    QFETCH(QString, inScript);
+    const QString text = QString::fromUtf8(QTest::currentDataTag());
+    const PointDictionary points{{"1-1", pointAt(text, text)}, {"1-2", pointAt("1", text)}};
+    QCOMPARE(buildGoogleOverlay(points, 1, {}).expression,
+             QString("[{lat: %1, lng: %1},{lat: 1, lng: %1}]").arg(inScript));
     const QRegularExpression numbersOnly(
         "^new Array\\((,?new AMap\\.LngLat\\(-?\\d+\\.\\d{6},-?\\d+\\.\\d{6}\\)){2}\\)$");
-    for (const auto& [expected, texts] : rows) {
-      for (const QString& text : texts) {
-        const PointDictionary points{{"1-1", pointAt(text, text)}, {"1-2", pointAt("1", text)}};
-        QCOMPARE(
-            buildGoogleOverlay(points, 1, {}).expression,
-            QString("[{lat: %1, lng: %1},{lat: 1, lng: %1}]").arg(expected).replace("%1", text));
-        QVERIFY(numbersOnly.match(buildGDOverlay(points, 1, {}).expression).hasMatch());
-      }
-    }
-  }
-
-  void drawingScript() {
-    const QString whole = setGDMapPoly("POINTS", "1");
-    const QString pieces = setGDMapPoly("POINTS", "BREAKS");
-    QVERIFY(whole.contains("eval(POINTS);if") && !whole.contains("bpa"));
-    QVERIFY(pieces.contains("eval(POINTS);var bpa=eval(BREAKS);if"));
-  }
-
-  void times() {
-    QCOMPARE(trackTimeValue(u"01:02:03"), 3723.0);
-    QCOMPARE(trackTimeValue(u"00:00:59.75"), 59.75);
-    QCOMPARE(trackTimeValue(u"01x2"), 3720.0);
+    QVERIFY(numbersOnly.match(buildGDOverlay(points, 1, {}).expression).hasMatch());
   }
 
   void distanceAndZoom() {
@@ -167,5 +169,5 @@ class TrackOverlayTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(TrackOverlayTest)
+QTEST_GUILESS_MAIN(tst_trackOverlay)
 #include "tst_trackOverlay.moc"

@@ -20,7 +20,7 @@ const QString redPixels =
 }  // namespace
 
 /// The map that is shown without a key: the page with the bundled script, in the real engine.
-class BundledMapTest : public MapTest {
+class tst_bundledMap : public MapTest {
   Q_OBJECT
 
  private Q_SLOTS:
@@ -34,7 +34,8 @@ class BundledMapTest : public MapTest {
     QVERIFY(
         becomes("['OpenStreetMap contributors', '地図タイルを読み込めません', ' km'].every("
                 "text => document.body.innerText.includes(text))"));
-    QCOMPARE(value("lineSymbol.path"), 1);
+    QCOMPARE(value("[...document.querySelectorAll('[title]')].map(e => e.title).join()"),
+             "拡大,縮小");
     QVERIFY(onlyTilesAskedFor());
   }
 
@@ -115,25 +116,16 @@ class BundledMapTest : public MapTest {
   }
 
   void hostileTextsDoNothing() {
-    for (QString text : {"1});alert(1);//", "1}];window.hacked=1;[{lat:1", "1, x: window.hacked=1",
-                         "</script><script>window.hacked=1</script>", "`${window.hacked=1}`",
-                         "\\u0031});window.hacked=1;//", "\"+(window.hacked=1)+\"",
-                         "1});fetch('HOST/x');new Image().src='HOST/y';//"}) {
-      text.replace("HOST", server.address());
+    for (const char* text : {"1}];window.hacked=1;[{lat:1", "\"+(window.hacked=1)+\"",
+                             "1});fetch('/x');alert(1);//"}) {
       PointDictionary points = straightRun(50);
       for (trackPointData& point : points) {
         point.T_PointLatitudeN = point.T_PointTime = point.T_PointSpeed = text;
       }
       draw(points);
-      draw(points, buildGDOverlay);
-      QVERIFY2(value("window.hacked === undefined").toBool(), qPrintable(text));
-      QVERIFY2(onlyTilesAskedFor() && !alerts->messages.contains("1"), qPrintable(text));
+      QVERIFY2(value("window.hacked === undefined").toBool(), text);
+      QVERIFY2(onlyTilesAskedFor() && !alerts->messages.contains("1"), text);
     }
-  }
-
-  void longTrack() {
-    draw(straightRun(100'000));
-    QCOMPARE(value("bermudaTriangle.layer.getLatLngs().length"), 100'000);
   }
 
  private:
@@ -143,5 +135,5 @@ class BundledMapTest : public MapTest {
   }
 };
 
-QTEST_MAIN(BundledMapTest)
+QTEST_MAIN(tst_bundledMap)
 #include "tst_bundledMap.moc"

@@ -107,15 +107,18 @@ class MapTest : public QObject {
 
   /// The value of a script expression, once all calls before have been carried out.
   QVariant value(const QString& expression) const {
-    QTestEventLoop loop;
+    static int turn = 0;
+    const QString reached = "turn " + QString::number(++turn);
+    view->evaluate("document.title = '" + reached + "'");
     QVariant result;
-    view->evaluate("0", [&] {
+    if (waitForTitle(reached)) {
+      QTestEventLoop loop;
       view->page()->runJavaScript(expression, [&](const QVariant& v) {
         result = v;
         loop.exitLoop();
       });
-    });
-    loop.enterLoopMSecs(10000);
+      loop.enterLoopMSecs(10000);
+    }
     return result;
   }
 
@@ -129,9 +132,8 @@ class MapTest : public QObject {
   }
 
   /// Draws as the controller does.
-  void draw(const PointDictionary& points,
-            decltype(buildGoogleOverlay)* build = buildGoogleOverlay) const {
-    const TrackOverlay track = build(points, 1, {});
+  void draw(const PointDictionary& points) const {
+    const TrackOverlay track = buildGoogleOverlay(points, 1, {});
     if (track.expression.isEmpty()) {
       view->evaluate("SetMapNull();");
       return;

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+#include <QWebEngineProfile>
+
+#include <memory>
+
+/// What the pages of the program have in common in the web engine: their cache, who they say they
+/// are, and that nothing they offer is saved as a file. Nothing is kept on disk when `cacheFolder`
+/// is null. Pages that share one may share a process. Main thread.
+std::shared_ptr<QWebEngineProfile> makeWebEngine(const QString& cacheFolder);
