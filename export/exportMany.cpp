@@ -1,7 +1,9 @@
 #include "export/exportMany.h"
 
+#include "data/bundle.h"
 #include "data/dataControl.h"
 #include "data/newFile.h"
+#include "data/pointLocator.h"
 #include "export/fileWriter.h"
 
 #include <QFile>
@@ -58,6 +60,10 @@ QString nameInFolder(const QString& startTime, ExportFormat format) {
 
 ManyRunsResult exportMany(const ManyRuns& runs, const QString& offset,
                           const std::function<bool(qsizetype done)>& goOn) {
+  // Each run's points are then read where they lie; without, every run reads through all points.
+  if (runs.numbers.size() > 1) {
+    pointLocator::locate(databasePath(mainBundle()));
+  }
   dataControl store;
   Folder folder(runs.folder, runs.replace);
   ManyRunsResult result;
