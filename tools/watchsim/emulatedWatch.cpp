@@ -61,14 +61,16 @@ void EmulatedWatch::stop() {
   removeLink();
 }
 
+// Lists of their own: ones that shared their array would be let go of outside the lock while the
+// watch's thread changes it.
 QStringList EmulatedWatch::commands() const {
   const std::lock_guard lock(mutex_);
-  return commands_;
+  return {commands_.cbegin(), commands_.cend()};
 }
 
 QList<QByteArray> EmulatedWatch::blocks() const {
   const std::lock_guard lock(mutex_);
-  return memory_;
+  return {memory_.cbegin(), memory_.cend()};
 }
 
 void EmulatedWatch::run() {
