@@ -14,7 +14,9 @@
 Q_LOGGING_CATEGORY(lcApp, "trakko.app", QtInfoMsg)
 
 TrakkoAppDelegate::TrakkoAppDelegate(ControllerContext surroundings)
-    : context(std::move(surroundings)), selection(std::make_shared<const int>(0)) {}
+    : context(std::move(surroundings)), selection(std::make_shared<const int>(0)) {
+  tellThreadFailures();
+}
 
 void TrakkoAppDelegate::awakeFromNib() {
   isAvailable = false;

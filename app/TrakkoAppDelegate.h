@@ -6,10 +6,12 @@
 #include "app/tableRows.h"
 #include "data/databaseFile.h"
 #include "data/records.h"
-#include "device/usbOperating.h"
+#include "device/watchDownload.h"
 #include "map/mapPages.h"
 #include "map/trackOverlay.h"
 
+#include <QByteArray>
+#include <QDate>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -179,8 +181,11 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void waitForFirstLoad(int counter);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void clearTables();
-  void downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code);
-  void askToEraseWatch(const std::shared_ptr<usbOperating>& usb);
+  void takeDownload(const std::shared_ptr<WatchDownload>& download,
+                    const DownloadOutcome& outcome);
+  void downloadEnded();
+  void tellThreadFailures();
+  void askToEraseWatch(WatchDownload& download);
   void showProgressValue(double value);
   void showStatus(const QString& line, Verdict verdict = Verdict::note);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
@@ -202,6 +207,8 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
 
   ControllerContext context;
   Selection selection;
+  std::vector<std::shared_ptr<WatchDownload>> downloads;  ///< Those under way.
+  int downloadsRunning = 0;
   int newestRefresh = 0;
   bool fileWorkRuns_ = false;
   bool pageAnswers = false;         ///< The page's script runs, whether or not it has a map yet.

@@ -3,145 +3,116 @@
 #include "app/TrakkoAppDelegate.h"
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
+#include "device/downloadWords.h"
 
-#include <QFileInfo>
+#include <QPointer>
 #include <QProgressBar>
 #include <QScopeGuard>
 
 #include <thread>
+#include <utility>
 
 namespace {
 
-/// What the user is told of a result code; null when nothing.
-QString messageFor(qint32 code) {
-  switch (code) {
-    case 2:
-      return QStringLiteral("データが見当たりません、USBの接続を確認して下さい。");
-    case 3:
-      return QStringLiteral("ダウンロードがブロックされましたUSB接続を確認して下さい。");
-    case 4:
-      return QStringLiteral("データがありません。");
-    case 5:
-      return QStringLiteral("データエラー、再度データをダウンロードして下さい。");
-    default:
-      return {};
+Verdict verdictOf(const DownloadOutcome& outcome) {
+  const bool whole = outcome.linked && outcome.runsNotStored == 0 && outcome.shortBlocks == 0;
+  if (whole && outcome.code == downloadResult::stored) {
+    return Verdict::done;
   }
-}
-
-/// One line that says what was seen of a watch that could not be reached.
-QString lineFor(LinkObstacle obstacle) {
-  switch (obstacle) {
-    case LinkObstacle::none:
-      return QStringLiteral("時計に接続できませんでした。");
-    case LinkObstacle::noDevice:
-      return QStringLiteral("時計のUSBデバイスが見つかりません。ケーブルの接続を確認して下さい。");
-    case LinkObstacle::noSerialPort:
-      return QStringLiteral(
-          "時計のUSBデバイスはありますが、シリアルポートがありません。接続し直して下さい。");
-    case LinkObstacle::noPermission:
-      return QStringLiteral(
-          "シリアルポートを使う権限がありません。ユーザーを dialout グループに追加して下さい。");
-    case LinkObstacle::portInUse:
-      return QStringLiteral("シリアルポートは他のプログラムまたは別のダウンロードが使用中です。");
-    case LinkObstacle::otherError:
-      break;
-  }
-  return QStringLiteral("シリアルポートを開けませんでした。詳細はログを確認して下さい。");
-}
-
-/// What became of the received lines of a download that did not reach the database as a whole.
-QString lineForKept(const usbOperating& usb) {
-  if (!usb.lastingPath.isNull()) {
-    return QStringLiteral("受信したデータは「%1」に残してあります。")
-        .arg(QFileInfo(usb.lastingPath).fileName());
-  }
-  if (usb.linesKept) {
-    return QStringLiteral("受信したデータは lastDownload.txt に残っています。");
-  }
-  return QStringLiteral(
-      "受信したデータもファイルに残せませんでした。時計のデータを消去しないで下さい。");
-}
-
-/// What the user must know before the watch may be erased; null when nothing.
-QString warningFor(const usbOperating& usb) {
-  if (usb.runsNotStored > 0) {
-    return QStringLiteral("%1件のうち%2件のランを保存できませんでした。")
-               .arg(usb.runArr.size())
-               .arg(usb.runsNotStored) +
-           lineForKept(usb);
-  }
-  if (!usb.linesKept) {
-    return QStringLiteral(
-        "受信したデータの控えをファイルに残せませんでした。"
-        "時計のデータを消去する前に、ランが表示されているか確認して下さい。");
-  }
-  return {};
-}
-
-/// The codes without a message box still leave a line in the status bar.
-QString outcomeOf(const usbOperating& usb, qint32 code) {
-  switch (code) {
-    case 1:
-      return usb.runsNotStored > 0 ? warningFor(usb)
-                                   : QStringLiteral("ダウンロードが完了しました。");
-    case 88:
-      return QStringLiteral("新しいランはありませんでした。");
-    case -1:
-      return QStringLiteral("ランを保存できませんでした。") + lineForKept(usb);
-    default:
-      return {};
-  }
+  return whole && outcome.code == downloadResult::noRunCompleted ? Verdict::note : Verdict::failure;
 }
 
 }  // namespace
 
 void TrakkoAppDelegate::downloadDataBu() {
-  checkStop = false;
-  showStatus(QStringLiteral("時計からダウンロードしています..."));
+  // One that no longer gets anything would keep the port for ever; its line has told the user to
+  // download again.
+  for (const std::shared_ptr<WatchDownload>& download : downloads) {
+    if (download->isStalled()) {
+      download->cancel();
+    }
+  }
+  showStatus(downloadWords::running(), Verdict::progress);
   progressBar->setVisible(true);
-  detachThread("progress", [this] { controlProgressIndicator(); });
-  detachThread("download", [this] {
-    const auto atAnyEnd = qScopeGuard([this] {
-      checkStop = true;
-      performOnMainThread([this] { progressBar->setVisible(false); });
-    });
+  if (++downloadsRunning == 1) {
+    checkStop = false;
+    detachThread("progress", [this] { controlProgressIndicator(); });
+  }
+  const bool started = detachThread("download", [this] {
+    const auto atAnyEnd =
+        qScopeGuard([this] { performOnMainThread([this] { downloadEnded(); }); });
     downloadData();
   });
+  if (!started) {
+    downloadEnded();
+  }
+}
+
+/// The bar stays while another download runs.
+void TrakkoAppDelegate::downloadEnded() {
+  if (--downloadsRunning == 0) {
+    checkStop = true;
+    progressBar->setVisible(false);
+  }
 }
 
 void TrakkoAppDelegate::downloadData() {
-  // Both device links of one download belong together: no other download gets the port in between.
-  const auto session = std::make_shared<WatchSession>();
-  auto usb = usbOperating::create(context.device, session);
-  if (!usb->linkCommand()) {
-    performOnMainThread([this, line = lineFor(usb->linkObstacle)] { showStatus(line); });
-    return;
-  }
-  usb = usbOperating::create(context.device, session);
-  const qint32 code = usb->getAllData();
-  downloadFinished(usb, code);
+  const auto download = std::make_shared<WatchDownload>(
+      context.device, [this, wasStalled = false](const DownloadProgress& progress) mutable {
+        if (std::exchange(wasStalled, progress.stalled) != progress.stalled) {
+          performOnMainThread([this, stalled = progress.stalled] {
+            showStatus(stalled ? downloadWords::stalled() : downloadWords::running(),
+                       stalled ? Verdict::failure : Verdict::progress);
+          });
+        }
+      });
+  performOnMainThread([this, download] { downloads.push_back(download); });
+  const auto atAnyEnd = qScopeGuard([this, &download] {
+    performOnMainThread([this, download] { std::erase(downloads, download); });
+  });
+  takeDownload(download, download->run());
 }
 
-void TrakkoAppDelegate::downloadFinished(const std::shared_ptr<usbOperating>& usb, qint32 code) {
-  const QString message = code == 1 ? warningFor(*usb) : messageFor(code);
-  if (!message.isNull()) {
+void TrakkoAppDelegate::takeDownload(const std::shared_ptr<WatchDownload>& download,
+                                     const DownloadOutcome& outcome) {
+  if (outcome.cancelled) {
+    return;  // the line belongs to the download that took its place
+  }
+  const bool stored = outcome.linked && outcome.code == downloadResult::stored;
+  const QString message =
+      stored ? downloadWords::warning(outcome) : downloadWords::message(outcome.code);
+  if (outcome.linked && !message.isNull()) {
     alertUSB(message);
   }
-  performOnMainThread([this, line = outcomeOf(*usb, code)] { showStatus(line); });
-  if (code != 1) {
+  performOnMainThread([this, line = downloadWords::ending(outcome),
+                       verdict = verdictOf(outcome)] { showStatus(line, verdict); });
+  if (!stored) {
     return;
   }
   getNewData = 1;
-  mainQueue::post([this, usb] { askToEraseWatch(usb); });
+  mainQueue::post([this, download] { askToEraseWatch(*download); });
   mainQueue::post([this] { startRefreshOfNewData(); });
 }
 
-void TrakkoAppDelegate::askToEraseWatch(const std::shared_ptr<usbOperating>& usb) {
-  if (!context.dialogs->confirmErase(QStringLiteral("時計本体のデータを消去しますか？"))) {
-    return;
+void TrakkoAppDelegate::askToEraseWatch(WatchDownload& download) {
+  if (context.dialogs->confirmErase(QStringLiteral("時計本体のデータを消去しますか？"))) {
+    const LinkObstacle obstacle = download.eraseWatch();
+    showStatus(downloadWords::erased(obstacle),
+               obstacle == LinkObstacle::none ? Verdict::done : Verdict::failure);
   }
-  usb->checkUSB = false;
-  usb->deleteAllData();
+}
+
+/// What a thread was to do is not done, and its line must not go on saying that it is.
+void TrakkoAppDelegate::tellThreadFailures() {
+  observeThreadFailures([self = QPointer(this)](const QString& thread, const QString& reason) {
+    performOnMainThread([self, thread, reason] {
+      if (self && self->statusLine != nullptr) {
+        self->showStatus(
+            QStringLiteral("内部エラーのため処理を中断しました（%1：%2）。").arg(thread, reason),
+            Verdict::failure);
+      }
+    });
+  });
 }
 
 void TrakkoAppDelegate::controlProgressIndicator() {

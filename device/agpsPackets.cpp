@@ -42,9 +42,4 @@ QStringList packets(const QByteArray& file) {
   return result;
 }
 
-QByteArray packetBytes(const QString& packet) {
-  // fromHex() would take the odd digit for the first byte.
-  return QByteArray::fromHex(packet.left(packet.size() / 2 * 2).toLatin1());
-}
-
 }  // namespace agps

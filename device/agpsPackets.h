@@ -17,11 +17,9 @@ QString checksum(const QString& hex);
 ///
 /// The number is the low byte in as few digits as it takes, with "000" in front up to packet 255
 /// only: "0000" for the first, "00010" for packet 16, "0" for packet 256.
+///
+/// Because of their numbers, packets from 16 on have an odd number of digits or one byte less than
+/// those before: whoever sends them has to settle with the watch what that means.
 QStringList packets(const QByteArray& file);
-
-/// The bytes that a packet's digits stand for, two digits each from the start; a last odd digit is
-/// dropped. Because of their numbers, packets from 16 on have an odd number of digits or one byte
-/// less than those before: whoever sends them has to settle with the watch what that means.
-QByteArray packetBytes(const QString& packet);
 
 }  // namespace agps

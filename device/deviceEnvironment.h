@@ -13,7 +13,8 @@ enum class LinkObstacle {
   noDevice,      ///< No USB device with the watch's ids.
   noSerialPort,  ///< The device is there, but no serial port belongs to it.
   noPermission,  ///< The port is there, this user may not open it.
-  portInUse,     ///< Another program, or another conversation of this one, has the port.
+  portInUse,     ///< Another program has the port.
+  conversing,    ///< Another conversation of this program has the port.
   otherError,    ///< Anything else; the log has the text.
 };
 
@@ -35,4 +36,7 @@ struct DeviceEnvironment {
   std::shared_ptr<Messenger> messenger;   ///< Shows the alerts; without it they are only logged.
   double answerLimit = 5.0;               ///< Limit of one wait for a block, in seconds.
   QString lastDownloadPath;  ///< File that keeps the lines of the last download; empty: none.
+  /// A download of this many blocks is given up: far more than a watch holds (fewer than 100,000),
+  /// and some 250 MB of lines.
+  qsizetype mostBlocks = 1'000'000;
 };

@@ -1,6 +1,8 @@
 #include "device/downloadDecoder.h"
 
+#include "base/text.h"
 #include "device/blockReader.h"
+#include "device/downloadResult.h"
 #include "device/pointDecoder.h"
 #include "device/runDecoder.h"
 
@@ -32,7 +34,7 @@ SortedLines sortLines(const QStringList& lines) {
         sorted.points.emplace_back(line);
         break;
       case LineKind::tooShort:
-        qCWarning(lcDecoder) << "line too short, dropped:" << line;
+        qCDebug(lcDecoder) << "line too short, dropped:" << line;
         break;
       case LineKind::other:
         break;
@@ -48,7 +50,7 @@ DecodedDownload decodeDownload(const QStringList& lines, const DecodeContext& co
   result.cnumber = context.highestNumber;
   const SortedLines sorted = sortLines(lines);
   if (!sorted.runs.empty()) {
-    result.code = 88;
+    result.code = downloadResult::noRunCompleted;
   }
   RunDecoder runs(context, result);
   for (size_t i = 0; i < sorted.runs.size(); ++i) {
@@ -81,7 +83,5 @@ bool isPureInt(const QString& value) {
   if (rest.startsWith(u'-') || rest.startsWith(u'+')) {
     rest = rest.sliced(1);
   }
-  return !rest.isEmpty() && std::all_of(rest.begin(), rest.end(), [](QChar character) {
-    return character >= u'0' && character <= u'9';
-  });
+  return !rest.isEmpty() && std::all_of(rest.begin(), rest.end(), text::isDigit);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "data/records.h"
+#include "device/downloadResult.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTimeZone>
@@ -23,16 +25,20 @@ struct DecodeContext {
   qint64 highestNumber = 0;  ///< Largest activity number stored; new runs get the next ones.
   qint32 checkAlti = 0;      ///< 1 when the watch records altitude.
   QString idNoStr;           ///< The watch's identity, null when it was never read.
-  /// Run ends are computed through this zone, daylight saving included.
+  /// Run ends are computed through this zone, daylight saving included; through local time when it
+  /// is invalid, as the system's is for some values of TZ (a path, a misspelt name).
   QTimeZone zone = QTimeZone::systemTimeZone();
 };
 
 struct DecodedDownload {
   DownloadBatch batch;
-  /// Meaningful when the batch holds no run: -1 without any run line, 88 when run lines were there
-  /// but no run was completed.
-  qint32 code = -1;
+  /// Meaningful when the batch holds no run: notStored without any run line, noRunCompleted with.
+  qint32 code = downloadResult::notStored;
   qint64 cnumber = 0;  ///< The activity number in hand at the end.
+  /// Start times that the headers of runs announced which are not stored yet, each once. A run
+  /// without a lap at the end, or whose key another run has too, is here but not in the batch.
+  QSet<QString> newStarts;
+  qsizetype knownRuns = 0;  ///< How many headers announced a run that is stored already.
 };
 
 /// Decodes received lines ("EE 0A ..." with 36 bytes each) into records. Pure; takes any text at

@@ -15,7 +15,7 @@ bool PortTable::claim(const QString& node, const std::shared_ptr<PortHolder>& ho
   if (::stat(QFile::encodeName(node).constData(), &status) != 0) {
     return true;  // nobody has it: opening it will fail and say why
   }
-  const std::lock_guard lock(mutex);
+  const std::lock_guard lock(mutex_);
   Use& use = uses_[status.st_rdev];
   const std::shared_ptr<PortHolder> user = use.holder.lock();
   const std::shared_ptr<WatchSession> conversation = use.session.lock();
@@ -32,4 +32,9 @@ bool PortTable::claim(const QString& node, const std::shared_ptr<PortHolder>& ho
   }
   use = {holder, session};
   return true;
+}
+
+void PortTable::beginCommand(std::atomic<int>& commands) {
+  const std::lock_guard lock(mutex_);
+  ++commands;
 }

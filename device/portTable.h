@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QString>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -35,14 +36,15 @@ class PortTable {
   bool claim(const QString& node, const std::shared_ptr<PortHolder>& holder,
              const std::shared_ptr<WatchSession>& session);
 
-  /// Held while an object begins a command, so that its port is either safe from then on or has
-  /// been given away before.
-  std::mutex mutex;
+  /// Counts one more command that runs on a holder. No claim is decided meanwhile: the holder's port
+  /// is either safe from then on or has been given away before. Any thread.
+  void beginCommand(std::atomic<int>& commands);
 
  private:
   struct Use {
     std::weak_ptr<PortHolder> holder;
     std::weak_ptr<WatchSession> session;
   };
+  std::mutex mutex_;
   QHash<quint64, Use> uses_;  ///< By device number: a port may have several names.
 };

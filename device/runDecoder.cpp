@@ -24,6 +24,16 @@ qint64 elapsedSeconds(const Block& line) {
   return static_cast<qint64>(line.value({0}) * 3600 + line.value({1}) * 60 + line.value({2}));
 }
 
+QDateTime at(const QDate& day, const QTime& time, const QTimeZone& zone) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+  // A time that the clock skips does not exist, as in earlier versions of Qt.
+  constexpr auto skipped = QDateTime::TransitionResolution::Reject;
+  return zone.isValid() ? QDateTime(day, time, zone, skipped) : QDateTime(day, time, skipped);
+#else
+  return zone.isValid() ? QDateTime(day, time, zone) : QDateTime(day, time);
+#endif
+}
+
 QDateTime startOf(const Block& line, const QTimeZone& zone) {
   const quint64 year = line.value({5});
   if (year > 99) {
@@ -35,7 +45,7 @@ QDateTime startOf(const Block& line, const QTimeZone& zone) {
   if (!day.isValid() || !time.isValid()) {
     return {};
   }
-  return QDateTime(day, time, zone);
+  return at(day, time, zone);
 }
 
 QString startText(const Block& line) {
@@ -89,10 +99,13 @@ void RunDecoder::takeHeader(const Block& line) {
     complete(*previous_, completedAtHeader);
   }
   Header header = readHeader(line);
-  if (!context_.isStored || !context_.isStored(header.startTime)) {
-    result_.cnumber = next(result_.cnumber);
-    open_ = std::move(header);
+  if (context_.isStored && context_.isStored(header.startTime)) {
+    ++result_.knownRuns;
+    return;
   }
+  result_.newStarts.insert(header.startTime);
+  result_.cnumber = next(result_.cnumber);
+  open_ = std::move(header);
 }
 
 RunDecoder::Header RunDecoder::readHeader(const Block& line) const {
@@ -134,7 +147,6 @@ void RunDecoder::complete(const Block& line, const QString& key) {
                    open_->ascent, open_->descent, result_.cnumber, u"ZEPLA"_s, context_.idNoStr));
   result_.batch.runArr.append(key);
   open_.reset();
-  qCInfo(lcRuns, "run ok");
 }
 
 void RunDecoder::takeLap(const Block& line, bool isLast) {
@@ -149,6 +161,7 @@ void RunDecoder::takeLap(const Block& line, bool isLast) {
   if (isLast) {
     complete(line, runKey);
     completedAtHeader = QString();
+    qCInfo(lcRuns, "run ok");
   }
   const Duration duration = lapDuration(line);
   lap.T_LapTime = TextBuilder()
@@ -169,7 +182,7 @@ void RunDecoder::takeLap(const Block& line, bool isLast) {
   lap.T_LapAsc = zero;
   lap.T_LapDsc = zero;
   lap.T_Cnumber = result_.cnumber;
-  const QString key = TextBuilder().append(runKey).append(u'-').fiveDigits(number).text();
+  const QString key = TextBuilder().append(runKey).append(u'-').number(line.value({32, 33}), 5).text();
   result_.batch.lapMD.insert(key, lap);
   before_.hasLap = true;
   qCDebug(lcRuns, "lap ok");

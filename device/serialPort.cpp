@@ -22,7 +22,9 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr int quietLineMs = 100;
+// A busy machine can stall for more than 100 ms within a block. A block that is whole is handed over
+// at once.
+constexpr int quietLineMs = 1000;
 constexpr int forEver = -1;
 constexpr auto writeLimit = std::chrono::seconds(1);
 

@@ -19,7 +19,6 @@
 class SerialPort {
  public:
   SerialPort() = default;
-  /// Closes.
   ~SerialPort();
   SerialPort(const SerialPort&) = delete;
   SerialPort& operator=(const SerialPort&) = delete;
@@ -32,8 +31,8 @@ class SerialPort {
   /// not from within a read or write; closing again does nothing.
   void close();
 
-  /// Reads until the buffer is full, or something came and the line has been quiet for 100 ms, so
-  /// that a block arrives whole however the bridge cuts it up. Never hands over two blocks as one.
+  /// Reads until the buffer is full, or something came and the line has been quiet for a second,
+  /// so that a block arrives whole however the bridge cuts it up. Never hands over two blocks as one.
   /// The number of bytes; 0 when the line is gone; -1 when the port is closed or failed.
   ssize_t read(std::span<std::byte> buffer);
 

@@ -3,7 +3,7 @@
 #include "base/text.h"
 
 #include <array>
-#include <memory>
+#include <charconv>
 
 TextBuilder& TextBuilder::append(QStringView part) {
   // One by one: the parts are far too short for a call to memmove to pay.
@@ -18,35 +18,24 @@ TextBuilder& TextBuilder::append(char16_t character) {
   return *this;
 }
 
-TextBuilder& TextBuilder::number(quint64 value) {
-  std::array<char16_t, 20> digits{};
-  auto first = digits.end();
-  do {
-    *--first = static_cast<char16_t>(u'0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  return append(QStringView(std::to_address(first), digits.end() - first));
+TextBuilder& TextBuilder::number(quint64 value, qsizetype width) {
+  std::array<char, 20> digits{};
+  const char* const end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+  for (qsizetype missing = width - (end - digits.begin()); missing > 0; --missing) {
+    text_.append(u'0');
+  }
+  for (const char* digit = digits.begin(); digit != end; ++digit) {
+    text_.append(static_cast<char16_t>(*digit));
+  }
+  return *this;
 }
 
 TextBuilder& TextBuilder::twoDigits(qint64 value) {
-  if (value < 0 || value > 99) {
-    return append(text::padded(value, 2));
-  }
-  digits(static_cast<quint64>(value), 10);
-  return *this;
-}
-
-TextBuilder& TextBuilder::fiveDigits(qint64 value) {
-  if (value < 0 || value > 99'999) {
-    return append(text::padded(value, 5));
-  }
-  digits(static_cast<quint64>(value), 10'000);
-  return *this;
+  return value < 0 ? append(text::padded(value, 2)) : number(static_cast<quint64>(value), 2);
 }
 
 TextBuilder& TextBuilder::millionths(quint64 value) {
-  number(value / 1'000'000).append(u'.').digits(value % 1'000'000, 100'000);
-  return *this;
+  return number(value / 1'000'000).append(u'.').number(value % 1'000'000, 6);
 }
 
 TextBuilder& TextBuilder::character(quint64 byte) {
@@ -58,10 +47,4 @@ TextBuilder& TextBuilder::character(quint64 byte) {
 
 TextBuilder& TextBuilder::clock(qint64 hours, qint64 minutes, qint64 seconds) {
   return twoDigits(hours).append(u':').twoDigits(minutes).append(u':').twoDigits(seconds);
-}
-
-void TextBuilder::digits(quint64 value, quint64 highestUnit) {
-  for (quint64 unit = highestUnit; unit > 0; unit /= 10) {
-    text_.append(static_cast<char16_t>(u'0' + value / unit % 10));
-  }
 }

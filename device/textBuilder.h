@@ -10,12 +10,10 @@ class TextBuilder {
  public:
   TextBuilder& append(QStringView part);
   TextBuilder& append(char16_t character);
-  /// Decimal, as short as possible.
-  TextBuilder& number(quint64 value);
+  /// Decimal, with zeros in front as far as it has fewer digits than `width`.
+  TextBuilder& number(quint64 value, qsizetype width = 1);
   /// As printf's "%02d".
   TextBuilder& twoDigits(qint64 value);
-  /// As printf's "%05d", for the keys of laps and points.
-  TextBuilder& fiveDigits(qint64 value);
   /// A number of millionths as a decimal number with six places.
   TextBuilder& millionths(quint64 value);
   /// The byte as a Latin-1 character. A zero byte adds nothing: names are padded with zeros.
@@ -25,8 +23,6 @@ class TextBuilder {
   QString text() const { return QStringView(text_.data(), text_.size()).toString(); }
 
  private:
-  void digits(quint64 value, quint64 highestUnit);
-
   QVarLengthArray<char16_t, 64> text_;
 };
 

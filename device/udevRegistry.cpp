@@ -7,10 +7,6 @@
 
 namespace {
 
-constexpr quint16 watchVendor = 0x10C4;
-constexpr quint16 watchProduct = 0xEA60;
-constexpr quint16 otherWatchProduct = 0xEA61;
-
 struct Release {
   void operator()(udev* context) const { udev_unref(context); }
   void operator()(udev_enumerate* list) const { udev_enumerate_unref(list); }
@@ -58,8 +54,8 @@ UsbDevice usbDevice(udev_device* device) {
 
 bool isWatchBridge(udev_device* usb) {
   const uint product = attribute(usb, "idProduct").toUInt(nullptr, 16);
-  return attribute(usb, "idVendor").toUInt(nullptr, 16) == watchVendor &&
-         (product == watchProduct || product == otherWatchProduct);
+  return attribute(usb, "idVendor").toUInt(nullptr, 16) == watchUsb::vendor &&
+         (product == watchUsb::product || product == watchUsb::otherProduct);
 }
 
 SerialClient serialClient(udev_device* port) {
@@ -91,7 +87,7 @@ std::optional<QList<UsbDevice>> UdevRegistry::devices(quint16 vendor, quint16 pr
   QList<UsbDevice> found;
   forEachDevice(context.get(), list.get(),
                 [&found](udev_device* device) { found.append(usbDevice(device)); });
-  if (!extraNode_.isEmpty() && vendor == watchVendor && product == watchProduct) {
+  if (!extraNode_.isEmpty() && vendor == watchUsb::vendor && product == watchUsb::product) {
     // Last: of several watches a search takes the last one.
     found.append({extraNode_, registryPath(extraNode_, extraNode_), QString()});
   }

@@ -17,13 +17,12 @@ usbOperating::usbOperating(CreateKey, const DeviceEnvironment& environment,
                            const std::shared_ptr<WatchSession>& session)
     : environment_(environment), session_(session) {}
 
-// An open port is not closed here but by the receive thread, which keeps the object alive until
-// the line is gone or another opening takes the port.
+// Here no receive thread lives any more: each keeps its object alive and closes the port at its
+// end. What is still open was opened without one, and goes with port_.
 usbOperating::~usbOperating() = default;
 
 usbOperating::Operation::Operation(usbOperating& usb) : usb_(usb) {
-  const std::lock_guard lock(PortTable::instance().mutex);
-  ++usb_.operations_;
+  PortTable::instance().beginCommand(usb_.operations_);
 }
 
 usbOperating::Operation::~Operation() {

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -94,17 +95,29 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   LapDictionary lapMD;
   PointDictionary pointMD;
   qint64 cnumber = 0;  ///< Activity number in hand.
-  /// How many runs of runArr are not in the database although they were to be stored.
-  qsizetype runsNotStored = 0;
+  qsizetype newRuns = 0;        ///< Runs that the headers announced and that were not stored yet.
+  qsizetype runsNotStored = 0;  ///< How many of these are still not in the database.
 
   // Where the lines of the last download are when the watch is erased.
 
   /// They are in DeviceEnvironment::lastDownloadPath, until the next download of more than two
   /// lines.
   std::atomic<bool> linesKept{false};
-  /// File that holds them for good because runsNotStored is not 0; null when that is 0 or the file
-  /// could not be made. Thread of the commands.
+  /// File that holds them for good because runs were not stored or blocks stayed short; null when
+  /// that is not so or the file could not be made. Thread of the commands.
   QString lastingPath;
+
+  // How the transfer went.
+
+  /// Lines of the download whose block had fewer bytes than it was to have when the line fell quiet.
+  std::atomic<qint32> shortBlocks{0};
+  /// The download was given up because DeviceEnvironment::mostBlocks came without an end marker.
+  std::atomic<bool> endless{false};
+  std::atomic<bool> cancelled{false};  ///< cancel() was called.
+  /// Called by getAllData() on its thread after each wait, with the number of lines received and
+  /// whether the wait brought a block. Set before the command.
+  std::function<void(qsizetype blocks, bool came)> onWait;
+  bool eraseSent = false;  ///< The last deleteAllData() wrote its command as a whole.
 
   // Assistance data for the GPS receiver. Thread of the commands.
 
@@ -150,11 +163,15 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   /// could: what the watch answered, or whether, does not count. Shows its failures. Up to
   /// `answerLimit`. The object is spent for further commands afterwards.
   bool linkCommand();
-  /// Downloads, decodes and stores everything; returns the result code: 1 stored, 2 no answer, 3
-  /// end marker missed, 4 two lines or fewer, -1 nothing stored, 88 runs but none completed. Blocks
-  /// for the whole transfer; a watch that falls silent before its end marker blocks it for ever.
+  /// Downloads, decodes and stores everything; returns a result code of downloadResult. Blocks for
+  /// the whole transfer; a watch that falls silent before its end marker blocks it until cancel().
   qint32 getAllData();
-  /// Tells the watch to erase its records; awaits nothing and leaves the port open.
+  /// Ends the command in hand, closes the port and lets the next opening have it; the command
+  /// answers notStored or false soon after. What is being stored already is stored to the end. The
+  /// object is spent afterwards. Any thread.
+  void cancel();
+  /// Tells the watch to erase its records; awaits nothing and leaves the port open. eraseSent tells
+  /// whether the command went out.
   void deleteAllData();
   /// Sends the disconnect command if a port is open.
   void lostLink();
@@ -188,9 +205,8 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   /// Binary digits of the number that the text begins with; empty for a negative one.
   static QString turn10to2(const QString& decimal);
 
-  /// Decodes chStr and stores the new runs. -1 without run lines or when nothing was stored, 88
-  /// when no run was completed, 1 when at least one was stored. Fills the batch members and
-  /// runsNotStored.
+  /// Decodes chStr and stores the new runs: stored, notStored or noRunCompleted of downloadResult.
+  /// Fills the batch members, newRuns and runsNotStored.
   qint32 convertChstr();
 
   // Assistance data.
@@ -219,17 +235,23 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   void closePort();
   std::shared_ptr<SerialPort> currentPort() const;
 
-  bool actOnLine(const QString& line, SerialPort& port);
+  void receiveBlocks(SerialPort& port);
+  bool actOnLine(const QString& line, bool isShort, SerialPort& port);
+  void takeLine(const QString& line, bool isShort, SerialPort& port);
   void finishDownload(SerialPort& port);
   void clearLines();
   QStringList receivedLines();
   qsizetype lineCount();
+  void forgetLastDownload();
+  void awaitEnd();
+  qint32 endCancelled();
+  qint32 storeLines(const QDateTime& end);
   void keepLines();
-  void keepUnstoredRuns(const QDateTime& end);
+  void keepDoubtfulLines(const QDateTime& end);
 
   void request(const QString& command);
   void awaitBlock();
-  void write(std::span<const std::byte> bytes);
+  bool write(std::span<const std::byte> bytes);
 
   const DeviceEnvironment environment_;
   const std::weak_ptr<WatchSession> session_;

@@ -1,6 +1,7 @@
 // The conversation: commands, waits, result codes.
 
 #include "base/detachThread.h"
+#include "device/downloadResult.h"
 #include "device/lastDownload.h"
 #include "device/receiveMode.h"
 #include "device/serialPort.h"
@@ -19,8 +20,6 @@ constexpr qint32 allData = 1;
 /// A download of no more lines than this holds no run.
 constexpr qsizetype emptyDownloadLines = 2;
 
-enum Result : qint32 { noAnswer = 2, endMissed = 3, noRecords = 4 };
-
 }  // namespace
 
 bool usbOperating::linkCommand() {
@@ -32,6 +31,10 @@ bool usbOperating::linkCommand() {
   }
   checkGetDataType = receiveMode::link;
   request(watchCommand::link);
+  if (cancelled) {
+    closeMyDevice();
+    return false;
+  }
   if (!getDataOK) {
     alertUSB(QStringLiteral("データが見当たりません、USBの接続を確認して下さい。"));
     closePort();
@@ -42,34 +45,65 @@ bool usbOperating::linkCommand() {
 qint32 usbOperating::getAllData() {
   const Operation operation(*this);
   getDataType = allData;
-  linesKept = false;
-  lastingPath = QString();
-  runsNotStored = 0;
+  forgetLastDownload();
   checkGetDataType = receiveMode::download;
   ensurePort();
   downloadDataFinish = false;
   checkGetDataType = receiveMode::download;
   clearLines();
   request(watchCommand::downloadAll);
-  if (!getDataOK) {
+  if (!getDataOK && !cancelled) {
     checkStop = true;
-    return noAnswer;
+    return downloadResult::noAnswer;
   }
-  while (!downloadDataFinish) {
-    checkTransmission();
+  awaitEnd();
+  if (cancelled) {
+    return endCancelled();
   }
   const QDateTime end = QDateTime::currentDateTime();
   keepLines();
-  if (!getDataOK || !downloadDataFinish) {
+  if (!getDataOK || !downloadDataFinish || endless) {
     checkStop = true;
-    return endMissed;
+    return downloadResult::endMissed;
   }
   downloadDataFinish = false;
-  if (lineCount() <= emptyDownloadLines) {
-    return noRecords;
+  return lineCount() <= emptyDownloadLines ? downloadResult::noRecords : storeLines(end);
+}
+
+void usbOperating::forgetLastDownload() {
+  linesKept = false;
+  lastingPath = QString();
+  newRuns = 0;
+  runsNotStored = 0;
+  shortBlocks = 0;
+  endless = false;
+}
+
+void usbOperating::awaitEnd() {
+  while (!downloadDataFinish && !cancelled) {
+    checkTransmission();
+    if (onWait) {
+      onWait(lineCount(), getDataOK);
+    }
   }
+}
+
+void usbOperating::cancel() {
+  cancelled = true;
+  lineLost_ = true;
+  closePort();
+}
+
+/// The port may have been opened after cancel() looked for it.
+qint32 usbOperating::endCancelled() {
+  closeMyDevice();
+  checkStop = true;
+  return downloadResult::notStored;
+}
+
+qint32 usbOperating::storeLines(const QDateTime& end) {
   const qint32 result = convertChstr();
-  keepUnstoredRuns(end);
+  keepDoubtfulLines(end);
   checkStop = true;
   return result;
 }
@@ -89,14 +123,15 @@ void usbOperating::keepLines() {
   }
 }
 
-/// Once the watch is erased, such runs exist only in the kept lines: the next download must not
-/// replace them.
-void usbOperating::keepUnstoredRuns(const QDateTime& end) {
-  if (runsNotStored == 0) {
+/// Once the watch is erased, what was not stored, or not received whole, exists only in the kept
+/// lines: the next download must not replace them.
+void usbOperating::keepDoubtfulLines(const QDateTime& end) {
+  if (runsNotStored == 0 && shortBlocks == 0) {
     return;
   }
-  qCCritical(lcProtocol, "%lld of %lld runs not stored", static_cast<long long>(runsNotStored),
-             static_cast<long long>(runArr.size()));
+  qCCritical(lcProtocol, "%lld of %lld runs not stored, %d blocks short",
+             static_cast<long long>(runsNotStored), static_cast<long long>(newRuns),
+             shortBlocks.load());
   if (environment_.lastDownloadPath.isEmpty()) {
     return;
   }
@@ -109,10 +144,11 @@ void usbOperating::keepUnstoredRuns(const QDateTime& end) {
 
 void usbOperating::deleteAllData() {
   const Operation operation(*this);
+  eraseSent = false;
   ensurePort();
   if (portIsOpen()) {
     checkGetDataType = receiveMode::erase;
-    writeString(watchCommand::erase);
+    eraseSent = write(commandBytes(watchCommand::erase));
   }
 }
 
@@ -141,7 +177,7 @@ void usbOperating::awaitBlock() {
   using std::chrono::steady_clock;
   const std::chrono::duration<double> limit(environment_.answerLimit);
   const auto start = steady_clock::now();
-  while (!getDataOK) {
+  while (!getDataOK && !cancelled) {
     if (steady_clock::now() - start > limit) {
       downloadFail = true;
       return;
@@ -156,13 +192,9 @@ void usbOperating::awaitBlock() {
   }
 }
 
-void usbOperating::write(std::span<const std::byte> bytes) {
-  if (!portIsOpen()) {
-    return;
-  }
-  if (const std::shared_ptr<SerialPort> port = currentPort()) {
-    port->write(bytes);
-  }
+bool usbOperating::write(std::span<const std::byte> bytes) {
+  const std::shared_ptr<SerialPort> port = portIsOpen() ? currentPort() : nullptr;
+  return port && port->write(bytes);
 }
 
 void usbOperating::writeString(const QString& hex) {

@@ -6,18 +6,15 @@
 #include "device/usbOperating.h"
 
 #include <QLoggingCategory>
+#include <QScopeGuard>
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
 
 Q_LOGGING_CATEGORY(lcDetection, "trakko.device.detection", QtInfoMsg)
 
 namespace {
 
-constexpr quint16 watchVendor = 4292;
-constexpr qint32 watchProduct = 60000;
-constexpr qint32 otherWatchProduct = 60001;
 constexpr qint32 watchBaud = 115200;
 
 LinkObstacle obstacleOf(int error) {
@@ -72,19 +69,19 @@ void deviceAdded(usbOperating* reference, const QList<UsbDevice>& iterator) {
 }
 
 void usbOperating::findDevice(qint32 product) {
-  if (product == watchProduct) {
+  if (product == watchUsb::product) {
     linkObstacle = LinkObstacle::noDevice;
   }
   const auto productId = static_cast<quint16>(product);
   const std::optional<QList<UsbDevice>> devices =
-      environment_.registry->devices(watchVendor, productId);
+      environment_.registry->devices(watchUsb::vendor, productId);
   if (!devices) {
     linkObstacle = LinkObstacle::otherError;
     std::fputs("IOServiceMatching returned NULL.\n", stderr);
     return;
   }
   setDetectionState(
-      {.gNotifyPort = {QStringLiteral("IOUSBDevice"), watchVendor, productId, deviceAdded, nullptr},
+      {.gNotifyPort = {QStringLiteral("IOUSBDevice"), watchUsb::vendor, productId, deviceAdded, nullptr},
        .gRunLoop = std::this_thread::get_id(),
        .gAddedIter = *devices});
   DeviceAdded(*devices);
@@ -97,7 +94,7 @@ void usbOperating::DeviceAdded(const QList<UsbDevice>& iterator) {
       linkObstacle = LinkObstacle::noSerialPort;
     }
     if (!checkUSB.exchange(true)) {
-      findDevice(otherWatchProduct);
+      findDevice(watchUsb::otherProduct);
     }
     return;
   }
@@ -117,21 +114,20 @@ QString usbOperating::openSerialPort(const QString& path, qint32 baud) {
 QString usbOperating::openNode(const QString& node, qint32 baud) {
   const Operation operation(*this);
   giveWay();  // an earlier opening of this very object
+  // From here on the line is a new one. Were it still told lost once the port is claimed, another
+  // opening could take the port away and wait, with the table locked, for a thread that needs it.
+  lineLost_ = false;
   auto port = std::make_shared<SerialPort>();
-  QString error = QStringLiteral("Error: couldn't obtain lock on serial port");
-  if (PortTable::instance().claim(node, shared_from_this(), session_.lock())) {
-    error = port->open(node, baud);
-  } else {
-    port->openError = EBUSY;
-  }
+  const bool claimed = PortTable::instance().claim(node, shared_from_this(), session_.lock());
+  const QString error = claimed ? port->open(node, baud)
+                                : QStringLiteral("Error: couldn't obtain lock on serial port");
   if (!error.isNull()) {
-    linkObstacle = obstacleOf(port->openError);
+    linkObstacle = claimed ? obstacleOf(port->openError) : LinkObstacle::conversing;
     qCWarning(lcDetection, "%s (%s)", qUtf8Printable(error), qUtf8Printable(node));
     return error;
   }
   qCInfo(lcDetection, "opened %s", qUtf8Printable(node));
   linkObstacle = LinkObstacle::none;
-  lineLost_ = false;
   gOriginalTTYAttrs = port->originalAttributes;
   serialFileDescriptor = port->descriptor.load();
   const std::lock_guard lock(portMutex_);
@@ -142,22 +138,22 @@ QString usbOperating::openNode(const QString& node, qint32 baud) {
 void usbOperating::startReceiveThread() {
   // Set here already: a thread that has not begun must be waited for like one that runs.
   readThreadRunning = true;
-  try {
-    detachThread("watch-receive",
-                 [self = shared_from_this(), starter = std::this_thread::get_id()] {
-                   self->incomingTextUpdateThread(starter);
-                 });
-  } catch (const std::system_error& refused) {
-    qCCritical(lcDetection, "no receive thread: %s", refused.what());
-    linkObstacle = LinkObstacle::otherError;
-    readThreadRunning = false;
-    closeMyDevice();
-  }
+  bool started = false;
+  const auto unlessStarted = qScopeGuard([this, &started] {
+    if (!started) {
+      linkObstacle = LinkObstacle::otherError;
+      readThreadRunning = false;
+      closeMyDevice();
+    }
+  });
+  started = detachThread("watch-receive", [self = shared_from_this()] {
+    self->incomingTextUpdateThread(std::this_thread::get_id());
+  });
 }
 
 void usbOperating::ensurePort() {
   if (!portIsOpen()) {
-    findDevice(watchProduct);
+    findDevice(watchUsb::product);
   }
 }
 

@@ -40,22 +40,34 @@ void usbOperating::incomingTextUpdateThread(std::thread::id /*ignored*/) {
     return;
   }
   raisePriority();
+  try {
+    receiveBlocks(*port);
+  } catch (...) {
+    lineLost_ = true;  // for others it is as if the plug had been pulled
+    throw;
+  }
+}
+
+void usbOperating::receiveBlocks(SerialPort& port) {
   std::vector<std::byte> buffer(static_cast<std::size_t>(std::max(0, BUFFER_SIZE.load())));
   for (;;) {
-    const ssize_t count = port->read(buffer);
+    const ssize_t count = port.read(buffer);
     if (count <= 0) {
-      lineLost_ = port->isOpen();
+      if (port.isOpen()) {
+        lineLost_ = true;
+      }
       return;
     }
     // All positions: behind a short read stand the bytes of an earlier one.
-    if (!actOnLine(hexLine(buffer, BUFFER_SIZE), *port)) {
+    const bool isShort = static_cast<std::size_t>(count) < buffer.size();
+    if (!actOnLine(hexLine(buffer, BUFFER_SIZE), isShort, port)) {
       return;
     }
   }
 }
 
 /// False when the thread is to end.
-bool usbOperating::actOnLine(const QString& line, SerialPort& port) {
+bool usbOperating::actOnLine(const QString& line, bool isShort, SerialPort& port) {
   switch (checkGetDataType) {
     case receiveMode::link:
       getDataOK = true;
@@ -66,12 +78,25 @@ bool usbOperating::actOnLine(const QString& line, SerialPort& port) {
       if (isEndMarker(line)) {
         finishDownload(port);
       } else {
-        const std::lock_guard lock(chStrMutex);
-        chStr.append(line);
+        takeLine(line, isShort, port);
       }
       return true;
     default:
       return true;
+  }
+}
+
+void usbOperating::takeLine(const QString& line, bool isShort, SerialPort& port) {
+  if (isShort) {
+    ++shortBlocks;
+  }
+  {
+    const std::lock_guard lock(chStrMutex);
+    chStr.append(line);
+    endless = chStr.size() >= environment_.mostBlocks;
+  }
+  if (endless) {
+    finishDownload(port);
   }
 }
 

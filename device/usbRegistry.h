@@ -6,6 +6,13 @@
 
 #include <optional>
 
+/// The USB ids of the bridge that the watch sits behind.
+namespace watchUsb {
+constexpr quint16 vendor = 4292;         ///< 10c4 in the kernel's lists.
+constexpr quint16 product = 60000;       ///< ea60
+constexpr quint16 otherProduct = 60001;  ///< ea61
+}  // namespace watchUsb
+
 /// A USB device as the registry knows it.
 struct UsbDevice {
   QString name;

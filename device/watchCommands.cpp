@@ -1,16 +1,14 @@
 #include "device/watchCommands.h"
 
+#include "base/text.h"
+
 namespace {
 
 constexpr unsigned letterUpper = 'A' - 10;
 constexpr unsigned letterLower = 'a' - 10;
 
-bool isDigit(char16_t character) {
-  return character >= u'0' && character <= u'9';
-}
-
 unsigned digitValue(char16_t character, bool upperCase) {
-  if (isDigit(character)) {
+  if (text::isDigit(character)) {
     return static_cast<unsigned>(character) - '0';
   }
   return static_cast<unsigned>(character) - (upperCase ? letterUpper : letterLower);
