@@ -22,12 +22,13 @@ EmulatedWatchOptions smallWatch() {
 }  // namespace
 
 /// The download command of the real window, over a pseudo-terminal to an emulated watch.
-class TestDownload : public QObject {
+class tst_download : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
   void runsArriveAndTheWatchIsErased();
   void declinedErasureKeepsTheWatch();
+  void anErasureThatFailsIsTold();
   void nothingNewAddsNothing();
   void warningsBeforeTheErasure_data();
   void warningsBeforeTheErasure();
@@ -37,15 +38,22 @@ class TestDownload : public QObject {
   void statusLines_data();
   void statusLines();
   void secondDownloadWhileOneRuns();
+  void aSilentWatchGivesWay();
 };
 
-void TestDownload::runsArriveAndTheWatchIsErased() {
+void tst_download::runsArriveAndTheWatchIsErased() {
   WindowFixture fixture;
   fixture.start();
   EmulatedWatch watch(smallWatch());
   QVERIFY(watch.start().isNull());
   fixture.registry->node = watch.path();
   fixture.dialogs->eraseAnswer = true;
+  QString before;  // the answer comes before the refresh
+  fixture.dialogs->duringQuestion = [&] {
+    QTest::qWait(200);
+    before = fixture.controller->statusLine->text() +
+             QString::number(fixture.controller->runViewData.size());
+  };
   fixture.controller->didReceiveTitle("Map Load OK");
 
   fixture.controller->downloadDataBu();
@@ -58,7 +66,9 @@ void TestDownload::runsArriveAndTheWatchIsErased() {
   QVERIFY(fixture.controller->lapViewData.size() > 1);
   QCOMPARE(fixture.dialogs->questions, QStringList{"時計本体のデータを消去しますか？"});
   QVERIFY(fixture.dialogs->messages().isEmpty());
+  QCOMPARE(before, "新しいラン3件を保存しました。0");
   QTRY_VERIFY(watch.commands().contains("erase"));
+  QCOMPARE(fixture.controller->statusLine->text(), "時計に消去の命令を送りました。");
 
   fixture.controller->downloadDataBu();
   QTRY_COMPARE_WITH_TIMEOUT(fixture.dialogs->messages(), QStringList{"データがありません。"},
@@ -67,7 +77,7 @@ void TestDownload::runsArriveAndTheWatchIsErased() {
   watch.stop();
 }
 
-void TestDownload::declinedErasureKeepsTheWatch() {
+void tst_download::declinedErasureKeepsTheWatch() {
   WindowFixture fixture;
   EmulatedWatch watch(smallWatch());
   QVERIFY(watch.start().isNull());
@@ -78,7 +88,21 @@ void TestDownload::declinedErasureKeepsTheWatch() {
   QVERIFY(!watch.commands().contains("erase"));
 }
 
-void TestDownload::nothingNewAddsNothing() {
+void tst_download::anErasureThatFailsIsTold() {
+  WindowFixture fixture;
+  EmulatedWatch watch(smallWatch());
+  QVERIFY(watch.start().isNull());
+  fixture.registry->node = watch.path();
+  fixture.dialogs->eraseAnswer = true;
+  fixture.dialogs->duringQuestion = [&] { fixture.registry->node = QString(); };
+  fixture.controller->downloadDataBu();
+  fixture.settle();
+  QCOMPARE(fixture.controller->statusLine->text(),
+           "時計のデータを消去できませんでした。"
+           "時計のUSBデバイスが見つかりません。ケーブルの接続を確認して下さい。");
+}
+
+void tst_download::nothingNewAddsNothing() {
   WindowFixture fixture;
   EmulatedWatch watch(smallWatch());
   QVERIFY(watch.start().isNull());
@@ -93,7 +117,7 @@ void TestDownload::nothingNewAddsNothing() {
   QCOMPARE(fixture.controller->statusLine->text(), "新しいランはありませんでした。");
 }
 
-void TestDownload::warningsBeforeTheErasure_data() {
+void tst_download::warningsBeforeTheErasure_data() {
   QTest::addColumn<bool>("runFails");
   QTest::addColumn<bool>("fileFails");
   QTest::addColumn<QString>("message");
@@ -103,10 +127,10 @@ void TestDownload::warningsBeforeTheErasure_data() {
       << "3件のうち1件のランを保存できませんでした。受信したデータは「lastDownload-"
       << "3件のうち1件のランを保存できませんでした。";
   QTest::newRow("the lines are not kept") << false << true << "控えをファイルに残せませんでした"
-                                          << "ダウンロードが完了しました。";
+                                          << "新しいラン3件を保存しました。";
 }
 
-void TestDownload::warningsBeforeTheErasure() {
+void tst_download::warningsBeforeTheErasure() {
   QFETCH(bool, runFails);
   QFETCH(bool, fileFails);
   QFETCH(QString, message);
@@ -132,7 +156,7 @@ void TestDownload::warningsBeforeTheErasure() {
   QCOMPARE(dataControl().getRunData("all", {}).size(), runFails ? runCount - 1 : runCount);
 }
 
-void TestDownload::aQuestionWaitsForTheMessage() {
+void tst_download::aQuestionWaitsForTheMessage() {
   QWidget window;
   MessageBoxes boxes;
   boxes.setWindow(&window);
@@ -151,7 +175,7 @@ void TestDownload::aQuestionWaitsForTheMessage() {
   QTRY_COMPARE(shown, (QStringList{"message", "question"}));
 }
 
-void TestDownload::messages_data() {
+void tst_download::messages_data() {
   QTest::addColumn<int>("misbehaviour");
   QTest::addColumn<QString>("message");
   QTest::newRow("silent") << 0 << "データが見当たりません、USBの接続を確認して下さい。";
@@ -159,7 +183,7 @@ void TestDownload::messages_data() {
   QTest::newRow("not connected") << 2 << "時計を認識出来ません、再度USB接続を確認して下さい。";
 }
 
-void TestDownload::messages() {
+void tst_download::messages() {
   QFETCH(int, misbehaviour);
   QFETCH(QString, message);
   EmulatedWatchOptions options = smallWatch();
@@ -177,7 +201,7 @@ void TestDownload::messages() {
   watch.stop();
 }
 
-void TestDownload::statusLines_data() {
+void tst_download::statusLines_data() {
   QTest::addColumn<QString>("node");
   QTest::addColumn<QString>("line");
   QTest::newRow("no device") << QString() << "USBデバイスが見つかりません";
@@ -187,7 +211,7 @@ void TestDownload::statusLines_data() {
                                 << "シリアルポートがありません";
 }
 
-void TestDownload::statusLines() {
+void tst_download::statusLines() {
   QFETCH(QString, node);
   QFETCH(QString, line);
   WindowFixture fixture;
@@ -198,23 +222,46 @@ void TestDownload::statusLines() {
            qUtf8Printable(fixture.controller->statusLine->text()));
 }
 
-void TestDownload::secondDownloadWhileOneRuns() {
+void tst_download::secondDownloadWhileOneRuns() {
   WindowFixture fixture;
-  EmulatedWatchOptions options = smallWatch();
-  options.fullSpeed = false;
-  EmulatedWatch watch(options);
+  fixture.window->show();
+  EmulatedWatch watch({.memory = makeMemory({.runs = runCount, .pointsPerRun = 200})});
   QVERIFY(watch.start().isNull());
   fixture.registry->node = watch.path();
   fixture.controller->downloadDataBu();
   QTRY_VERIFY(watch.commands().contains("link"));
   fixture.controller->downloadDataBu();
+  QTRY_COMPARE(fixture.controller->statusLine->text(),
+               "ダウンロードは既に実行中です。終わるまでお待ち下さい。");
+  QVERIFY(fixture.controller->progressBar->isVisible());
   QTRY_COMPARE_WITH_TIMEOUT(fixture.controller->runViewData.size(), std::size_t{runCount}, 20000);
   fixture.settle();
   QCOMPARE(fixture.dialogs->messages(),
            QStringList{"時計を認識出来ません、再度USB接続を確認して下さい。"});
-  QCOMPARE(dataControl().getTrackData(1).size(), 20);
+  QCOMPARE(dataControl().getTrackData(1).size(), 200);
   QVERIFY(!fixture.controller->progressBar->isVisible());
 }
 
-QTEST_MAIN(TestDownload)
+/// The line says so, and the next download does not wait for it.
+void tst_download::aSilentWatchGivesWay() {
+  WindowFixture fixture;
+  fixture.window->show();
+  EmulatedWatchOptions options = smallWatch();
+  options.sendsEndMarker = false;
+  EmulatedWatch silent(options);
+  EmulatedWatch good(smallWatch());
+  QVERIFY(silent.start().isNull() && good.start().isNull());
+  fixture.registry->node = silent.path();
+  fixture.controller->downloadDataBu();
+  QTRY_VERIFY(fixture.controller->statusLine->text().startsWith("データが届いていません。"));
+  QVERIFY(fixture.controller->progressBar->isVisible());
+  fixture.registry->node = good.path();
+  fixture.controller->downloadDataBu();
+  fixture.settle();
+  QCOMPARE(fixture.controller->runViewData.size(), std::size_t{runCount});
+  QCOMPARE(fixture.controller->statusLine->text(), "新しいラン3件を保存しました。");
+  QVERIFY(!fixture.controller->progressBar->isVisible());
+}
+
+QTEST_MAIN(tst_download)
 #include "tst_download.moc"

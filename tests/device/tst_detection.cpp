@@ -6,7 +6,9 @@
 #include <QFile>
 #include <QTest>
 
+#include <array>
 #include <memory>
+#include <sys/ioctl.h>
 #include <tuple>
 #include <vector>
 
@@ -18,9 +20,13 @@ class tst_detection : public QObject {
   std::shared_ptr<usbOperating> object() const {
     return usbOperating::create({registry_, nullptr, 1.0, {}});
   }
+  /// At the watch's speed.
   static bool openedAt(const usbOperating& usb, const QString& node) {
+    std::array<quint32, 11> attributes{};  // termios2; its last member is the speed
+    ::ioctl(usb.serialFileDescriptor, _IOR('T', 0x2A, decltype(attributes)), attributes.data());
     const QString link = QString("/proc/self/fd/%1").arg(usb.serialFileDescriptor);
-    return usb.serialFileDescriptor >= 0 && QFile::symLinkTarget(link) == node;
+    return usb.serialFileDescriptor >= 0 && QFile::symLinkTarget(link) == node &&
+           attributes.back() == 115200;
   }
 
  private Q_SLOTS:

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <numeric>
@@ -51,20 +52,21 @@ class tst_serialPort : public QObject {
   }
 
   void gathersBlocks() {
-    // Sizes as sent, 0 is a pause of 300 ms; sizes as read.
+    // Sizes as sent, 0 is a pause of 1300 ms and -1 of 300 ms; sizes as read.
     const QList<std::pair<QList<int>, QList<qsizetype>>> rows{{{1, 20, 14, 1}, {36}},
                                                               {{72}, {36, 36}},
                                                               {{50, 22}, {36, 36}},
-                                                              {{20, 0, 36}, {20, 36}},
+                                                              {{20, -1, 16}, {36}},
                                                               {{40, 0, 36}, {36, 4, 36}}};
     for (const auto& [pieces, reads] : rows) {
       init();
       std::thread sender([this, sizes = pieces] {
         QByteArray left = all;
         for (const int piece : sizes) {
-          std::this_thread::sleep_for(std::chrono::milliseconds(piece == 0 ? 300 : 1));
-          line_->send(left.first(piece));
-          left.remove(0, piece);
+          const int pause = piece > 0 ? 1 : 300 + (piece + 1) * 1000;
+          std::this_thread::sleep_for(std::chrono::milliseconds(pause));
+          line_->send(left.first(std::max(piece, 0)));
+          left.remove(0, std::max(piece, 0));
         }
       });
       QByteArray received;

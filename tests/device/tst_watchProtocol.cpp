@@ -41,12 +41,6 @@ class tst_watchProtocol : public QObject {
     }
   }
 
-  void binaryDigits() {
-    QCOMPARE(usbOperating::turn10to2("200"), "11001000");
-    QCOMPARE(usbOperating::turn10to2("-3"), "");
-    QCOMPARE(usbOperating::turn10to2("x"), "0");
-  }
-
   void identity() {
     const QByteArray start = "Z\x01\x0c\xc8\x0a\xff" + QByteArray(1, '\0') + "ABCDEFV1.2.3unused.";
     // Bytes 26 to 29, the model, the size of blocks, altitude.
