@@ -181,8 +181,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void waitForFirstLoad(int counter);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void clearTables();
-  void takeDownload(const std::shared_ptr<WatchDownload>& download,
-                    const DownloadOutcome& outcome);
+  void takeDownload(const std::shared_ptr<WatchDownload>& download, const DownloadOutcome& outcome);
   void downloadEnded();
   void tellThreadFailures();
   void askToEraseWatch(WatchDownload& download);

@@ -39,8 +39,7 @@ void TrakkoAppDelegate::downloadDataBu() {
     detachThread("progress", [this] { controlProgressIndicator(); });
   }
   const bool started = detachThread("download", [this] {
-    const auto atAnyEnd =
-        qScopeGuard([this] { performOnMainThread([this] { downloadEnded(); }); });
+    const auto atAnyEnd = qScopeGuard([this] { performOnMainThread([this] { downloadEnded(); }); });
     downloadData();
   });
   if (!started) {
@@ -84,8 +83,9 @@ void TrakkoAppDelegate::takeDownload(const std::shared_ptr<WatchDownload>& downl
   if (outcome.linked && !message.isNull()) {
     alertUSB(message);
   }
-  performOnMainThread([this, line = downloadWords::ending(outcome),
-                       verdict = verdictOf(outcome)] { showStatus(line, verdict); });
+  performOnMainThread([this, line = downloadWords::ending(outcome), verdict = verdictOf(outcome)] {
+    showStatus(line, verdict);
+  });
   if (!stored) {
     return;
   }

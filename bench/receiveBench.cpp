@@ -43,7 +43,8 @@ void bareRead(benchmark::State& state) {
   const PseudoTerminal line;
   SerialPort port;
   port.open(line.path, 115200);
-  ::fcntl(port.descriptor, F_SETFL, 0);  // the loop below waits in read(), which the port never does
+  ::fcntl(port.descriptor, F_SETFL,
+          0);  // the loop below waits in read(), which the port never does
   double total = 0;
   while (state.KeepRunning()) {
     const auto start = std::chrono::steady_clock::now();

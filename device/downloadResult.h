@@ -4,11 +4,11 @@
 
 /// What usbOperating::getAllData() answers.
 namespace downloadResult {
-constexpr qint32 stored = 1;        ///< At least one run was stored.
-constexpr qint32 noAnswer = 2;      ///< No block within the limit after the command.
-constexpr qint32 endMissed = 3;     ///< The end of the transfer was missed.
-constexpr qint32 noRecords = 4;     ///< Two lines or fewer.
-constexpr qint32 dataError = 5;     ///< Never answered; the window knows a message for it.
+constexpr qint32 stored = 1;           ///< At least one run was stored.
+constexpr qint32 noAnswer = 2;         ///< No block within the limit after the command.
+constexpr qint32 endMissed = 3;        ///< The end of the transfer was missed.
+constexpr qint32 noRecords = 4;        ///< Two lines or fewer.
+constexpr qint32 dataError = 5;        ///< Never answered; the window knows a message for it.
 constexpr qint32 noRunCompleted = 88;  ///< Run lines, but no run was completed, or all are stored.
-constexpr qint32 notStored = -1;    ///< No run line, or the store took none of the runs.
+constexpr qint32 notStored = -1;       ///< No run line, or the store took none of the runs.
 }  // namespace downloadResult

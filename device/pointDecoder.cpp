@@ -106,8 +106,8 @@ void PointDecoder::takePoint(const Block& line) {
   const Coordinate latitude(line, 15, 1);
   const Coordinate longitude(line, 20, 2);
   trackPointData& point =
-      result_.batch
-          .pointMD[TextBuilder().append(line.runKey()).append(u'-').number(line.value({32, 33}), 5).text()];
+      result_.batch.pointMD
+          [TextBuilder().append(line.runKey()).append(u'-').number(line.value({32, 33}), 5).text()];
   point.T_PointTime = clockText(line.value({8}), line.value({7}), line.value({6}));
   point.T_PointLongitude = longitude.received();
   point.T_PointLogSign = longitudeSign_.text(line.value({25}), characterText);

@@ -36,8 +36,8 @@ class PortTable {
   bool claim(const QString& node, const std::shared_ptr<PortHolder>& holder,
              const std::shared_ptr<WatchSession>& session);
 
-  /// Counts one more command that runs on a holder. No claim is decided meanwhile: the holder's port
-  /// is either safe from then on or has been given away before. Any thread.
+  /// Counts one more command that runs on a holder. No claim is decided meanwhile: the holder's
+  /// port is either safe from then on or has been given away before. Any thread.
   void beginCommand(std::atomic<int>& commands);
 
  private:

@@ -14,7 +14,7 @@ struct ReplayOutcome {
 };
 
 /// Stores the runs of the kept lines of a download ("lastDownload*.txt"), as the download would
-/// have. The watch's tracks name their run by its place among the new runs of the download, so lines
-/// of which only some runs are stored already would give points to the wrong run: then nothing is
-/// stored. Any thread; one at a time with downloads.
+/// have. The watch's tracks name their run by its place among the new runs of the download, so
+/// lines of which only some runs are stored already would give points to the wrong run: then
+/// nothing is stored. Any thread; one at a time with downloads.
 ReplayOutcome replayKeptLines(const QString& path);

@@ -182,7 +182,8 @@ void RunDecoder::takeLap(const Block& line, bool isLast) {
   lap.T_LapAsc = zero;
   lap.T_LapDsc = zero;
   lap.T_Cnumber = result_.cnumber;
-  const QString key = TextBuilder().append(runKey).append(u'-').number(line.value({32, 33}), 5).text();
+  const QString key =
+      TextBuilder().append(runKey).append(u'-').number(line.value({32, 33}), 5).text();
   result_.batch.lapMD.insert(key, lap);
   before_.hasLap = true;
   qCDebug(lcRuns, "lap ok");

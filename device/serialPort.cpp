@@ -22,8 +22,8 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// A busy machine can stall for more than 100 ms within a block. A block that is whole is handed over
-// at once.
+// A busy machine can stall for more than 100 ms within a block. A block that is whole is handed
+// over at once.
 constexpr int quietLineMs = 1000;
 constexpr int forEver = -1;
 constexpr auto writeLimit = std::chrono::seconds(1);

@@ -32,8 +32,8 @@ class SerialPort {
   void close();
 
   /// Reads until the buffer is full, or something came and the line has been quiet for a second,
-  /// so that a block arrives whole however the bridge cuts it up. Never hands over two blocks as one.
-  /// The number of bytes; 0 when the line is gone; -1 when the port is closed or failed.
+  /// so that a block arrives whole however the bridge cuts it up. Never hands over two blocks as
+  /// one. The number of bytes; 0 when the line is gone; -1 when the port is closed or failed.
   ssize_t read(std::span<std::byte> buffer);
 
   /// Writes all bytes; false when the port is closed, fails or takes nothing for a second.

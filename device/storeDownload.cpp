@@ -40,8 +40,7 @@ StoredDownload storeDownload(const QStringList& lines, const WatchIdentity& watc
   const databaseUse::Turn turn = databaseUse::await();
   dataControl store;
   store.close_db();
-  result.decoded =
-      decode(lines, watch, store, store.getMaxCnumber(QStringLiteral("T_RunData")));
+  result.decoded = decode(lines, watch, store, store.getMaxCnumber(QStringLiteral("T_RunData")));
   result.code = result.decoded.code;
   store.close_db();
   const DownloadBatch& batch = result.decoded.batch;

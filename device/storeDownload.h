@@ -9,8 +9,8 @@
 struct StoredDownload {
   DecodedDownload decoded;
   qint32 code = downloadResult::notStored;  ///< A result code of downloadResult.
-  /// How many of decoded.newStarts are not in the database: statements that failed (an apostrophe in
-  /// the name, a full disk), no lap, a key that another run has too, no number left.
+  /// How many of decoded.newStarts are not in the database: statements that failed (an apostrophe
+  /// in the name, a full disk), no lap, a key that another run has too, no number left.
   qsizetype runsNotStored = 0;
 };
 

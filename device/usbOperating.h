@@ -94,7 +94,7 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   RunDictionary runMD;
   LapDictionary lapMD;
   PointDictionary pointMD;
-  qint64 cnumber = 0;  ///< Activity number in hand.
+  qint64 cnumber = 0;           ///< Activity number in hand.
   qsizetype newRuns = 0;        ///< Runs that the headers announced and that were not stored yet.
   qsizetype runsNotStored = 0;  ///< How many of these are still not in the database.
 
@@ -109,7 +109,8 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
 
   // How the transfer went.
 
-  /// Lines of the download whose block had fewer bytes than it was to have when the line fell quiet.
+  /// Lines of the download whose block had fewer bytes than it was to have when the line fell
+  /// quiet.
   std::atomic<qint32> shortBlocks{0};
   /// The download was given up because DeviceEnvironment::mostBlocks came without an end marker.
   std::atomic<bool> endless{false};

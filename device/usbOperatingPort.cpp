@@ -80,10 +80,10 @@ void usbOperating::findDevice(qint32 product) {
     std::fputs("IOServiceMatching returned NULL.\n", stderr);
     return;
   }
-  setDetectionState(
-      {.gNotifyPort = {QStringLiteral("IOUSBDevice"), watchUsb::vendor, productId, deviceAdded, nullptr},
-       .gRunLoop = std::this_thread::get_id(),
-       .gAddedIter = *devices});
+  setDetectionState({.gNotifyPort = {QStringLiteral("IOUSBDevice"), watchUsb::vendor, productId,
+                                     deviceAdded, nullptr},
+                     .gRunLoop = std::this_thread::get_id(),
+                     .gAddedIter = *devices});
   DeviceAdded(*devices);
 }
 

@@ -65,8 +65,10 @@ class tst_agps : public QObject {
     QCOMPARE(agps::packets(file.first(256)).size(), 1);
     QVERIFY(agps::packets({}).isEmpty());
 
-    const QList<std::pair<int, QString>> heads{{0, "4750530000"},    {16, "47505300010"},
-                                               {255, "475053000ff"}, {256, "4750530"},
+    const QList<std::pair<int, QString>> heads{{0, "4750530000"},
+                                               {16, "47505300010"},
+                                               {255, "475053000ff"},
+                                               {256, "4750530"},
                                                {273, "47505311"}};
     for (const auto& [number, head] : heads) {
       QCOMPARE(packets[number].chopped(514), head);

@@ -70,7 +70,8 @@ class tst_watchsim : public QObject {
       const runData run = batch.runMD.value(key);
       qint64 distance = 0;
       for (qint32 number = 1; number <= run.T_RunLap; ++number) {
-        distance += batch.lapMD.value(key + '-' + text::padded(number, 5)).T_LapDistance.toLongLong();
+        distance +=
+            batch.lapMD.value(key + '-' + text::padded(number, 5)).T_LapDistance.toLongLong();
       }
       QCOMPARE(QString::number(distance), run.T_RunDistance);
       const trackPointData last = batch.pointMD.value(key + "-00060");
@@ -129,7 +130,6 @@ class tst_watchsim : public QObject {
       QCOMPARE(next.ask(linkCommand, 100, 100), identityBlock());
     }
   }
-
 };
 
 QTEST_APPLESS_MAIN(tst_watchsim)
