@@ -85,7 +85,10 @@ void TestCommands::panels() {
   QFETCH(QString, type);
   QString shown;
   QTimer::singleShot(0, this, [&] {
-    auto* panel = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    QFileDialog* panel = nullptr;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      panel = panel == nullptr ? qobject_cast<QFileDialog*>(widget) : panel;
+    }
     QVERIFY(panel != nullptr);
     shown = panel->windowTitle() + '|' + panel->nameFilters().join(' ') + '|' +
             (saves ? panel->selectedFiles().value(0).section('/', -1) : QString());
