@@ -13,8 +13,8 @@
 
 Q_LOGGING_CATEGORY(lcApp, "trakko.app", QtInfoMsg)
 
-TrakkoAppDelegate::TrakkoAppDelegate(ControllerContext surroundings)
-    : context(std::move(surroundings)), selection(std::make_shared<const int>(0)) {
+TrakkoAppDelegate::TrakkoAppDelegate(ControllerContext context)
+    : context_(std::move(context)), selection_(std::make_shared<const int>(0)) {
   tellThreadFailures();
 }
 
@@ -52,7 +52,7 @@ void TrakkoAppDelegate::waitForFirstLoad(int counter) {
     webLoadStr();
     return;
   }
-  QTimer::singleShot(context.startUpStep, this, [this, passed = counter + 1] {
+  QTimer::singleShot(context_.startUpStep, this, [this, passed = counter + 1] {
     if (passed > lastStep || checkFinishGetData) {
       webLoadStr();
       return;
@@ -70,7 +70,7 @@ bool TrakkoAppDelegate::windowShouldClose() {
 void TrakkoAppDelegate::windowDidResize() {}
 
 void TrakkoAppDelegate::startRefresh() {
-  detachThread("refresh", [this, generation = ++newestRefresh] { refreshData(generation); });
+  detachThread("refresh", [this, generation = ++newestRefresh_] { refreshData(generation); });
 }
 
 void TrakkoAppDelegate::startRefreshOfNewData() {
@@ -84,7 +84,7 @@ void TrakkoAppDelegate::refreshData(int generation) {
   setViewData(QStringLiteral("All"), QStringLiteral(""));
   if (getNewData == 1) {
     mainQueue::post([this, generation] {
-      if (generation == newestRefresh) {
+      if (generation == newestRefresh_) {
         displayMap();
         getNewData = 0;
       }
@@ -93,9 +93,10 @@ void TrakkoAppDelegate::refreshData(int generation) {
 }
 
 void TrakkoAppDelegate::alertUSB(const QString& message) {
-  context.dialogs->message(message);
+  context_.dialogs->message(message);
 }
 
 void TrakkoAppDelegate::showStatus(const QString& line, Verdict verdict) {
+  saysNoPositions_ = false;
   statusLine->tell(line, verdict);
 }

@@ -88,39 +88,32 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   std::atomic<bool> checkStop{false};
   std::atomic<bool> checkFinishGetData{false};
 
-  // Start-up and end.
+  // Start-up and end, refreshes, messages (TrakkoAppDelegate.cpp).
   void awakeFromNib();
   void applicationDidFinishLaunching();
   /// Quits the program; always true.
   bool windowShouldClose();
   void windowDidResize();
 
-  // Commands.
+  /// Body of a thread. `generation` is the number of the refresh; only the newest redraws the map.
+  void refreshData(int generation);
+  /// A message box with the text. Any thread; returns at once.
+  void alertUSB(const QString& message);
+
+  // Download (TrakkoAppDelegateDownload.cpp).
   void downloadDataBu();
+  void downloadData();              ///< Body of a thread.
+  void controlProgressIndicator();  ///< Body of a thread.
+
+  // Deleting (TrakkoAppDelegateDelete.cpp).
   void deleteOneData();
   void deleteAllData();
+
+  // Tables (TrakkoAppDelegateTables.cpp).
   void tableviewClick(int clickedRow);
   /// Makes the highlighted run the current one when it is not, as a click on it would: a row can be
   /// reached by dragging, by keys and by typing, too.
   void followSelection();
-  void SaveTCXFile();
-  void saveGPXFile();
-  void BackupData();
-  void RecoverData();
-  /// Restores the database from the file `path`, after a question when that is not one of this
-  /// program's databases. Returns at once; the line at the bottom tells the result.
-  void recoverFrom(const QString& path);
-
-  // Bodies of threads.
-  /// `generation` is the number of the refresh; only the newest redraws the map.
-  void refreshData(int generation);
-  void downloadData();
-  void controlProgressIndicator();
-
-  /// A message box with the text. Any thread; returns at once.
-  void alertUSB(const QString& message);
-
-  // Tables.
   /// Loads the runs of a period and the first one's laps and points; "" means all. Any thread: the
   /// results are handed to the main thread.
   void setViewData(const QString& start, const QString& endTimeStr);
@@ -138,7 +131,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   /// Date of "yyyy-MM-dd", invalid when it does not parse.
   QDate strToDate(const QString& date) const;
 
-  // Map.
+  // Map (TrakkoAppDelegateMap.cpp).
   void setWebView(MapView* view);
   void webLoadStr();
   QString gethtmlStr() const;
@@ -148,6 +141,8 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void didReceiveTitle(const QString& title);
   /// The page was lost and loads again: the run is drawn once it is there.
   void pageReset();
+  /// The page was lost for good; the user is told.
+  void mapGaveUp();
   /// Draws the current run: reads it on a thread of its own, rebuilds its tables and calls the
   /// page.
   void displayMap();
@@ -164,7 +159,14 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   double transFormLat(double x, double y) const;
   double transFormLon(double x, double y) const;
 
-  // Export.
+  // Exports (TrakkoAppDelegateFiles.cpp), backup and restore (TrakkoAppDelegateDatabase.cpp).
+  void SaveTCXFile();
+  void saveGPXFile();
+  void BackupData();
+  void RecoverData();
+  /// Restores the database from the file `path`, after a question when that is not one of this
+  /// program's databases. Returns at once; the line at the bottom tells the result.
+  void recoverFrom(const QString& path);
   /// The current run as a TCX document, whatever the number given; null when there is none.
   QByteArray convertTCX(qint64 number);
   QByteArray convertGPX(const QString& startStamp);
@@ -204,13 +206,14 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   PageSettings pageSettings() const;
   void reportDeletion(qint32 result);
 
-  ControllerContext context;
-  Selection selection;
-  std::vector<std::shared_ptr<WatchDownload>> downloads;  ///< Those under way.
-  int downloadsRunning = 0;
-  int newestRefresh = 0;
+  ControllerContext context_;
+  Selection selection_;
+  std::vector<std::shared_ptr<WatchDownload>> downloads_;  ///< Those under way.
+  int downloadsRunning_ = 0;
+  int newestRefresh_ = 0;
   bool fileWorkRuns_ = false;
-  bool pageAnswers = false;         ///< The page's script runs, whether or not it has a map yet.
-  bool mapLoaded = false;           ///< The page has reported its map.
-  std::atomic<int> shownValue{-1};  ///< What the progress bar is about to show; -1 when it does.
+  bool saysNoPositions_ = false;     ///< The status line says that a run has no positions.
+  bool pageAnswers_ = false;         ///< The page's script runs, whether or not it has a map yet.
+  bool mapLoaded_ = false;           ///< The page has reported its map.
+  std::atomic<int> shownValue_{-1};  ///< What the progress bar is about to show; -1 when it does.
 };

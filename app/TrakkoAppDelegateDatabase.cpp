@@ -67,7 +67,7 @@ void TrakkoAppDelegate::BackupData() {
   }
   const QString name = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMddHHmmss"));
   const QString path =
-      context.dialogs->fileToSave(QStringLiteral("Backup Data"), name, QStringLiteral("db3"));
+      context_.dialogs->fileToSave(QStringLiteral("Backup Data"), name, QStringLiteral("db3"));
   if (path.isNull()) {
     return;
   }
@@ -87,7 +87,7 @@ void TrakkoAppDelegate::RecoverData() {
     return;
   }
   const QString path =
-      context.dialogs->fileToOpen(QStringLiteral("Recover Data"), QStringLiteral("db3"));
+      context_.dialogs->fileToOpen(QStringLiteral("Recover Data"), QStringLiteral("db3"));
   if (!path.isNull()) {
     recoverFrom(path);
   }
@@ -115,7 +115,7 @@ void TrakkoAppDelegate::recoverFrom(const QString& path) {
 void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
   const QString doubt = doubtAbout(path, finding);
   if (!doubt.isNull() &&
-      !context.dialogs->confirm(
+      !context_.dialogs->confirm(
           doubt + QStringLiteral("復元すると、今のランは表示されなくなります。今のデータは"
                                  "別のファイルに残ります。それでも復元しますか？"),
           QStringLiteral("復元"))) {
@@ -135,8 +135,7 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
                doubt.isNull() ? QStringLiteral("「%1」から復元しました。").arg(path)
                               : whereKept() + doubt,
                QStringLiteral("復元できませんでした"));
-        getNewData = 1;
-        startRefresh();
+        startRefreshOfNewData();
         viewMonth->update();
       });
 }

@@ -8,7 +8,7 @@ void TrakkoAppDelegate::deleteOneData() {
   // While the question stands, a download may end and choose another run.
   const qint64 number = currentNumber;
   if (runViewData.empty() || number <= 0 ||
-      !context.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
+      !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
   const qint32 result = dataControl().deleteOneData(number);
@@ -24,7 +24,7 @@ void TrakkoAppDelegate::deleteOneData() {
 
 void TrakkoAppDelegate::deleteAllData() {
   if (runViewData.empty() ||
-      !context.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
+      !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
   reportDeletion(dataControl().deleteAllData());

@@ -27,14 +27,14 @@ Verdict verdictOf(const DownloadOutcome& outcome) {
 void TrakkoAppDelegate::downloadDataBu() {
   // One that no longer gets anything would keep the port for ever; its line has told the user to
   // download again.
-  for (const std::shared_ptr<WatchDownload>& download : downloads) {
+  for (const std::shared_ptr<WatchDownload>& download : downloads_) {
     if (download->isStalled()) {
       download->cancel();
     }
   }
   showStatus(downloadWords::running(), Verdict::progress);
   progressBar->setVisible(true);
-  if (++downloadsRunning == 1) {
+  if (++downloadsRunning_ == 1) {
     checkStop = false;
     detachThread("progress", [this] { controlProgressIndicator(); });
   }
@@ -49,7 +49,7 @@ void TrakkoAppDelegate::downloadDataBu() {
 
 /// The bar stays while another download runs.
 void TrakkoAppDelegate::downloadEnded() {
-  if (--downloadsRunning == 0) {
+  if (--downloadsRunning_ == 0) {
     checkStop = true;
     progressBar->setVisible(false);
   }
@@ -57,7 +57,7 @@ void TrakkoAppDelegate::downloadEnded() {
 
 void TrakkoAppDelegate::downloadData() {
   const auto download = std::make_shared<WatchDownload>(
-      context.device, [this, wasStalled = false](const DownloadProgress& progress) mutable {
+      context_.device, [this, wasStalled = false](const DownloadProgress& progress) mutable {
         if (std::exchange(wasStalled, progress.stalled) != progress.stalled) {
           performOnMainThread([this, stalled = progress.stalled] {
             showStatus(stalled ? downloadWords::stalled() : downloadWords::running(),
@@ -65,9 +65,9 @@ void TrakkoAppDelegate::downloadData() {
           });
         }
       });
-  performOnMainThread([this, download] { downloads.push_back(download); });
+  performOnMainThread([this, download] { downloads_.push_back(download); });
   const auto atAnyEnd = qScopeGuard([this, &download] {
-    performOnMainThread([this, download] { std::erase(downloads, download); });
+    performOnMainThread([this, download] { std::erase(downloads_, download); });
   });
   takeDownload(download, download->run());
 }
@@ -95,7 +95,7 @@ void TrakkoAppDelegate::takeDownload(const std::shared_ptr<WatchDownload>& downl
 }
 
 void TrakkoAppDelegate::askToEraseWatch(WatchDownload& download) {
-  if (context.dialogs->confirmErase(QStringLiteral("時計本体のデータを消去しますか？"))) {
+  if (context_.dialogs->confirmErase(QStringLiteral("時計本体のデータを消去しますか？"))) {
     const LinkObstacle obstacle = download.eraseWatch();
     showStatus(downloadWords::erased(obstacle),
                obstacle == LinkObstacle::none ? Verdict::done : Verdict::failure);
@@ -137,7 +137,7 @@ void TrakkoAppDelegate::controlProgressIndicator() {
 void TrakkoAppDelegate::showProgressValue(double value) {
   // A main thread that is behind gets one update with the latest value, not a queue of old ones.
   constexpr int taken = -1;
-  if (shownValue.exchange(static_cast<int>(value)) == taken) {
-    performOnMainThread([this] { progressBar->setValue(shownValue.exchange(taken)); });
+  if (shownValue_.exchange(static_cast<int>(value)) == taken) {
+    performOnMainThread([this] { progressBar->setValue(shownValue_.exchange(taken)); });
   }
 }

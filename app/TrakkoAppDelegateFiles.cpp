@@ -59,7 +59,8 @@ void TrakkoAppDelegate::saveGPXFile() {
 
 void TrakkoAppDelegate::saveFile(const QByteArray& data, const QString& fileName,
                                  const QString& fileType) {
-  const QString path = context.dialogs->fileToSave(QStringLiteral("Save File"), fileName, fileType);
+  const QString path =
+      context_.dialogs->fileToSave(QStringLiteral("Save File"), fileName, fileType);
   if (path.isNull()) {
     return;
   }

@@ -31,7 +31,7 @@ void TrakkoAppDelegate::setWebView(MapView* view) {
 }
 
 PageSettings TrakkoAppDelegate::pageSettings() const {
-  return {imageFolderAddress(mainBundle()), context.mapServices};
+  return {imageFolderAddress(mainBundle()), context_.mapServices};
 }
 
 QString TrakkoAppDelegate::gethtmlStr() const {
@@ -53,20 +53,25 @@ void TrakkoAppDelegate::webLoadComplete() {}
 
 void TrakkoAppDelegate::didReceiveTitle(const QString& title) {
   qCInfo(lcMap).noquote() << title;
-  pageAnswers = pageAnswers || title.startsWith(QStringLiteral("Map Load"));
+  pageAnswers_ = pageAnswers_ || title.startsWith(QStringLiteral("Map Load"));
   if (title != QStringLiteral("Map Load OK")) {
     return;
   }
-  mapLoaded = true;
+  mapLoaded_ = true;
   if (!checkInitMap && currentNumber > 0) {
     displayMap();
   }
 }
 
 void TrakkoAppDelegate::pageReset() {
-  pageAnswers = false;
-  mapLoaded = false;
+  pageAnswers_ = false;
+  mapLoaded_ = false;
   checkInitMap = false;
+}
+
+void TrakkoAppDelegate::mapGaveUp() {
+  showStatus(QStringLiteral("地図を表示できません。プログラムを再起動して下さい。"),
+             Verdict::failure);
 }
 
 void TrakkoAppDelegate::displayMap() {
@@ -78,7 +83,7 @@ void TrakkoAppDelegate::displayMap() {
   detachThread(
       "track", [this, chosen, number = currentNumber, google = isAvailable, arrow = arrPointStr] {
         performOnMainThread([this, chosen, track = loadTrack(number, number, google, arrow)] {
-          if (chosen == selection) {
+          if (chosen == selection_) {
             takeTrack(*track);
             drawTrack(track->overlay.expression);
           }
@@ -119,10 +124,10 @@ void TrakkoAppDelegate::takeTrack(const LoadedTrack& track) {
 }
 
 void TrakkoAppDelegate::drawTrack(const QString& expression) {
-  const QString noPositions = QStringLiteral("このランには位置データがありません。");
   if (expression.isEmpty()) {
     if (runDic.contains(text::padded(currentNumber, 2))) {
-      showStatus(noPositions);
+      showStatus(QStringLiteral("このランには位置データがありません。"));
+      saysNoPositions_ = true;
     }
     theWebView->evaluate(QStringLiteral("SetMapNull();"));
     return;
@@ -131,10 +136,10 @@ void TrakkoAppDelegate::drawTrack(const QString& expression) {
     setGDMapPoly(expression, breakPointStr);  // the script is not evaluated on this page
     return;
   }
-  if (!pageAnswers) {
+  if (!pageAnswers_) {
     return;  // the page draws the run when it reports its map
   }
-  if (statusLine->text() == noPositions) {
+  if (saysNoPositions_) {
     showStatus({});
   }
   checkInitMap = true;

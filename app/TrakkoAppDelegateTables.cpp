@@ -70,8 +70,8 @@ QString cellAt(const std::vector<Row>& rows, const QString& column, int row) {
 }  // namespace
 
 TrakkoAppDelegate::Selection TrakkoAppDelegate::choose() {
-  selection = std::make_shared<const int>(0);
-  return selection;
+  selection_ = std::make_shared<const int>(0);
+  return selection_;
 }
 
 void TrakkoAppDelegate::setViewData(const QString& start, const QString& endTimeStr) {
@@ -95,18 +95,18 @@ void TrakkoAppDelegate::setViewData(const QString& start, const QString& endTime
   auto chosen = std::make_shared<Selection>();
   performOnMainThread([this, runs, keys, chosen, rows = std::move(rows)]() mutable {
     takeRuns(runs, keys, std::move(rows));
-    *chosen = selection;
+    *chosen = selection_;
   });
   const qint64 number = text::toInteger(keys.value(0));
   performOnMainThread([this, chosen, points = store.getTrackData(static_cast<qint32>(number))] {
-    if (*chosen == selection) {
+    if (*chosen == selection_) {
       pointDic = points;
       setPointView();
     }
   });
-  std::this_thread::sleep_for(context.lapPause);
+  std::this_thread::sleep_for(context_.lapPause);
   performOnMainThread([this, chosen, laps = store.getLapData(static_cast<qint32>(number))] {
-    if (*chosen == selection) {
+    if (*chosen == selection_) {
       lapDic = laps;
       setLapView();
     }
@@ -123,7 +123,7 @@ void TrakkoAppDelegate::takeRuns(const RunDictionary& runs, const QStringList& k
   calltView({0});
   choose();
   // The page may have been ready before there was a run to draw. With new data the refresh draws.
-  if (mapLoaded && !checkInitMap && getNewData != 1) {
+  if (mapLoaded_ && !checkInitMap && getNewData != 1) {
     displayMap();
   }
 }
@@ -133,9 +133,9 @@ void TrakkoAppDelegate::setPointView() {
     checkFinishGetData = true;
     return;
   }
-  detachThread("points", [this, points = pointDic, number = currentNumber, chosen = selection] {
+  detachThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
     performOnMainThread([this, chosen, rows = pointRows(points, number)]() mutable {
-      if (chosen == selection) {
+      if (chosen == selection_) {
         pointViewData = std::move(rows);
         reload(pointView);
       }

@@ -46,10 +46,7 @@ void connectMap(WebMapView* map, TrakkoAppDelegate* controller) {
   QObject::connect(map, &WebMapView::titleReceived, controller,
                    &TrakkoAppDelegate::didReceiveTitle);
   QObject::connect(map, &WebMapView::pageReset, controller, &TrakkoAppDelegate::pageReset);
-  QObject::connect(map, &WebMapView::gaveUp, controller, [controller] {
-    controller->statusLine->showFailure(
-        QStringLiteral("地図を表示できません。プログラムを再起動して下さい。"));
-  });
+  QObject::connect(map, &WebMapView::gaveUp, controller, &TrakkoAppDelegate::mapGaveUp);
 }
 
 void raiseWindow(MainWindow* window) {
