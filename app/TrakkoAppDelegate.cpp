@@ -7,6 +7,7 @@
 #include <QLoggingCategory>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <utility>
@@ -70,7 +71,21 @@ bool TrakkoAppDelegate::windowShouldClose() {
 void TrakkoAppDelegate::windowDidResize() {}
 
 void TrakkoAppDelegate::startRefresh() {
-  detachThread("refresh", [this, generation = ++newestRefresh_] { refreshData(generation); });
+  forgetLoads();
+  startThread("refresh", [this, load = newestLoad_.load()] { refreshData(load); });
+}
+
+// An exception ends its thread alone, and the line at the bottom tells.
+void TrakkoAppDelegate::startThread(const char* name, const std::function<void()>& work) {
+  detachThread(name, [this, work] {
+    auto tell = qScopeGuard([this] {
+      performOnMainThread([this] {
+        showStatus(QStringLiteral("処理を続けられませんでした。詳細はログを確認して下さい。"));
+      });
+    });
+    work();
+    tell.dismiss();
+  });
 }
 
 void TrakkoAppDelegate::startRefreshOfNewData() {
@@ -80,11 +95,11 @@ void TrakkoAppDelegate::startRefreshOfNewData() {
 
 // Of several refreshes under way only the newest draws: it has the newest data, and an older one
 // would take the order to draw away from it.
-void TrakkoAppDelegate::refreshData(int generation) {
-  setViewData(QStringLiteral("All"), QStringLiteral(""));
+void TrakkoAppDelegate::refreshData(int load) {
+  loadTables(QStringLiteral("All"), QStringLiteral(""), load);
   if (getNewData == 1) {
-    mainQueue::post([this, generation] {
-      if (generation == newestRefresh_) {
+    mainQueue::post([this, load] {
+      if (load == newestLoad_) {
         displayMap();
         getNewData = 0;
       }

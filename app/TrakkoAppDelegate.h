@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/dialogs.h"
+#include "app/runLoader.h"
 #include "app/statusLine.h"
 #include "app/tableModel.h"
 #include "app/tableRows.h"
@@ -95,8 +96,9 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   bool windowShouldClose();
   void windowDidResize();
 
-  /// Body of a thread. `generation` is the number of the refresh; only the newest redraws the map.
-  void refreshData(int generation);
+  /// Body of a thread. `load` is the number of this load of the tables: what it brings counts only
+  /// while it is the newest.
+  void refreshData(int load);
   /// A message box with the text. Any thread; returns at once.
   void alertUSB(const QString& message);
 
@@ -176,12 +178,14 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   /// Stands for one choice of the current run. Results of a thread count only while the choice they
   /// were made for still holds.
   using Selection = std::shared_ptr<const int>;
-  struct LoadedTrack;
 
   void startRefresh();
   void startRefreshOfNewData();
   void waitForFirstLoad(int counter);
+  void startThread(const char* name, const std::function<void()>& work);
+  void loadTables(const QString& start, const QString& end, int load);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
+  void takePointRows(std::vector<pViewData> rows);
   void clearTables();
   void takeDownload(const std::shared_ptr<WatchDownload>& download, const DownloadOutcome& outcome);
   void downloadEnded();
@@ -198,19 +202,24 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void startFileWork(const QString& line,
                      std::function<databaseFile::Result(const databaseFile::Watcher&)> work,
                      std::function<void(const databaseFile::Result&)> done);
-  static std::shared_ptr<LoadedTrack> loadTrack(qint64 number, qint64 lapsNumber, bool google,
-                                                const QString& arrow);
-  void takeTrack(const LoadedTrack& track);
+  TrackRequest requestFor(qint64 number, bool google) const;
+  QString trackNow(qint64 number, bool google);
+  void takeTrack(LoadedTrack& track);
   void drawTrack(const QString& expression);
   Selection choose();
+  /// What is being read now no longer counts.
+  void forgetLoads();
   PageSettings pageSettings() const;
+  void oneDeleted(qint32 result);
+  void allDeleted(qint32 result);
   void reportDeletion(qint32 result);
 
   ControllerContext context_;
   Selection selection_;
   std::vector<std::shared_ptr<WatchDownload>> downloads_;  ///< Those under way.
   int downloadsRunning_ = 0;
-  int newestRefresh_ = 0;
+  RunLoader loader_;
+  std::atomic<int> newestLoad_{0};   ///< Number of the newest load of the tables.
   bool fileWorkRuns_ = false;
   bool saysNoPositions_ = false;     ///< The status line says that a run has no positions.
   bool pageAnswers_ = false;         ///< The page's script runs, whether or not it has a map yet.

@@ -1,4 +1,5 @@
-// The delete commands of the controller.
+// The delete commands of the controller. The store looks through all points for those of a run,
+// which takes seconds in a large file: a thread does it, and the window follows.
 
 #include "app/TrakkoAppDelegate.h"
 #include "base/mainQueue.h"
@@ -11,15 +12,10 @@ void TrakkoAppDelegate::deleteOneData() {
       !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
-  const qint32 result = dataControl().deleteOneData(number);
-  reportDeletion(result);
-  if (runViewData.size() <= 1) {
-    currentNumber = 0;
-    clearTables();
-    return;
-  }
-  mainQueue::post([this] { startRefreshOfNewData(); });
-  getNewData = 1;
+  startThread("delete", [this, number] {
+    const qint32 result = dataControl().deleteOneData(number);
+    performOnMainThread([this, result] { oneDeleted(result); });
+  });
 }
 
 void TrakkoAppDelegate::deleteAllData() {
@@ -27,7 +23,25 @@ void TrakkoAppDelegate::deleteAllData() {
       !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
-  reportDeletion(dataControl().deleteAllData());
+  startThread("delete", [this] {
+    const qint32 result = dataControl().deleteAllData();
+    performOnMainThread([this, result] { allDeleted(result); });
+  });
+}
+
+void TrakkoAppDelegate::oneDeleted(qint32 result) {
+  if (runViewData.size() <= 1) {
+    allDeleted(result);
+    return;
+  }
+  reportDeletion(result);
+  forgetLoads();  // they may bring the deleted run
+  mainQueue::post([this] { startRefreshOfNewData(); });
+  getNewData = 1;
+}
+
+void TrakkoAppDelegate::allDeleted(qint32 result) {
+  reportDeletion(result);
   currentNumber = 0;
   clearTables();
 }

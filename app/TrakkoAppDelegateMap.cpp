@@ -1,11 +1,8 @@
 // The map of the controller: its page, and the drawing of the current run.
 
 #include "app/TrakkoAppDelegate.h"
-#include "base/detachThread.h"
-#include "base/mainQueue.h"
 #include "base/text.h"
 #include "data/bundle.h"
-#include "data/dataControl.h"
 #include "map/chinaShift.h"
 #include "map/drawingScripts.h"
 #include "map/framing.h"
@@ -16,15 +13,9 @@
 #include <QLoggingCategory>
 #include <QTableView>
 
-Q_LOGGING_CATEGORY(lcMap, "trakko.map", QtInfoMsg)
+#include <utility>
 
-/// A run as read from the store, with what the map shows of it.
-struct TrakkoAppDelegate::LoadedTrack {
-  RunDictionary runs;
-  LapDictionary laps;
-  PointDictionary points;
-  TrackOverlay overlay;
-};
+Q_LOGGING_CATEGORY(lcMap, "trakko.map", QtInfoMsg)
 
 void TrakkoAppDelegate::setWebView(MapView* view) {
   theWebView = view;
@@ -79,39 +70,22 @@ void TrakkoAppDelegate::displayMap() {
   if (currentNumber == 0 || selected.isEmpty()) {
     return;
   }
-  const Selection chosen = choose();
-  detachThread(
-      "track", [this, chosen, number = currentNumber, google = isAvailable, arrow = arrPointStr] {
-        performOnMainThread([this, chosen, track = loadTrack(number, number, google, arrow)] {
-          if (chosen == selection_) {
-            takeTrack(*track);
-            drawTrack(track->overlay.expression);
-          }
-        });
-      });
+  loader_.request(requestFor(currentNumber, isAvailable),
+                  [this, chosen = choose()](LoadedTrack& track) {
+                    if (chosen == selection_) {
+                      takeTrack(track);
+                      drawTrack(track.overlay.expression);
+                    }
+                  });
 }
 
-// Reading and building happens away from the main thread; the tables and the page get the result as
-// a whole.
-std::shared_ptr<TrakkoAppDelegate::LoadedTrack> TrakkoAppDelegate::loadTrack(qint64 number,
-                                                                             qint64 lapsNumber,
-                                                                             bool google,
-                                                                             const QString& arrow) {
-  auto track = std::make_shared<LoadedTrack>();
-  track->points = dataControl().getTrackData(static_cast<qint32>(number));
-  track->runs = dataControl().getRunData(QStringLiteral("All"), QStringLiteral(""));
-  if (!google) {
-    qCInfo(lcMap, "%lld", static_cast<long long>(track->runs.size()));
-  }
-  track->laps = dataControl().getLapData(static_cast<qint32>(lapsNumber));
-  track->overlay = google ? buildGoogleOverlay(track->points, number, arrow)
-                          : buildGDOverlay(track->points, number, arrow);
-  return track;
+TrackRequest TrakkoAppDelegate::requestFor(qint64 number, bool google) const {
+  return {number, currentNumber, google, arrPointStr, newestLoad_};
 }
 
-void TrakkoAppDelegate::takeTrack(const LoadedTrack& track) {
+void TrakkoAppDelegate::takeTrack(LoadedTrack& track) {
   pointDic = track.points;
-  setPointView();
+  takePointRows(std::move(track.pointRows));
   runDic = track.runs;
   lapDic = track.laps;
   setLapView();
@@ -157,15 +131,17 @@ void TrakkoAppDelegate::drawTrack(const QString& expression) {
 }
 
 QString TrakkoAppDelegate::getGoogleMapStr(qint64 number) {
-  const auto track = loadTrack(number, currentNumber, true, arrPointStr);
-  takeTrack(*track);
-  return track->overlay.expression;
+  return trackNow(number, true);
 }
 
 QString TrakkoAppDelegate::getGDMapStr(qint64 number) {
-  const auto track = loadTrack(number, currentNumber, false, arrPointStr);
-  takeTrack(*track);
-  return track->overlay.expression;
+  return trackNow(number, false);
+}
+
+QString TrakkoAppDelegate::trackNow(qint64 number, bool google) {
+  LoadedTrack track = RunLoader::read(requestFor(number, google));
+  takeTrack(track);
+  return track.overlay.expression;
 }
 
 QString TrakkoAppDelegate::setGDMapPoly(const QString& polyStr, const QString& breakPoints) const {

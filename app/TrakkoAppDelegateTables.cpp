@@ -61,6 +61,18 @@ QString cell(const pViewData& row, const QString& column) {
   return member == cells.constEnd() ? QString() : row.**member;
 }
 
+std::vector<tViewData> runRows(const RunDictionary& runs, const QStringList& keys) {
+  std::vector<tViewData> rows;
+  rows.reserve(static_cast<std::size_t>(keys.size()));
+  for (const QString& key : keys) {
+    const auto run = runs.constFind(key);
+    if (run != runs.constEnd()) {
+      rows.push_back(runRow(*run));
+    }
+  }
+  return rows;
+}
+
 template <typename Row>
 QString cellAt(const std::vector<Row>& rows, const QString& column, int row) {
   const auto index = static_cast<std::size_t>(row);
@@ -74,28 +86,35 @@ TrakkoAppDelegate::Selection TrakkoAppDelegate::choose() {
   return selection_;
 }
 
+void TrakkoAppDelegate::forgetLoads() {
+  ++newestLoad_;
+  choose();
+}
+
 void TrakkoAppDelegate::setViewData(const QString& start, const QString& endTimeStr) {
+  loadTables(start, endTimeStr, newestLoad_);
+}
+
+void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int load) {
   dataControl store;
-  const RunDictionary runs =
-      store.getRunData(start.isEmpty() ? QStringLiteral("All") : start, endTimeStr);
+  const RunDictionary runs = store.getRunData(start.isEmpty() ? QStringLiteral("All") : start, end);
   if (runs.isEmpty()) {
-    performOnMainThread([this] { runDic = {}; });
+    performOnMainThread([this, load] {
+      if (load == newestLoad_) {
+        runDic = {};
+      }
+    });
     checkFinishGetData = true;
     return;
   }
   const QStringList keys = store.runKeyArray;
-  std::vector<tViewData> rows;
-  for (const QString& key : keys) {
-    const auto run = runs.constFind(key);
-    if (run != runs.constEnd()) {
-      rows.push_back(runRow(*run));
-    }
-  }
   // The runs are on screen before the points of the first one are read.
   auto chosen = std::make_shared<Selection>();
-  performOnMainThread([this, runs, keys, chosen, rows = std::move(rows)]() mutable {
-    takeRuns(runs, keys, std::move(rows));
-    *chosen = selection_;
+  performOnMainThread([this, load, runs, keys, chosen, rows = runRows(runs, keys)]() mutable {
+    if (load == newestLoad_) {
+      takeRuns(runs, keys, std::move(rows));
+      *chosen = selection_;
+    }
   });
   const qint64 number = text::toInteger(keys.value(0));
   performOnMainThread([this, chosen, points = store.getTrackData(static_cast<qint32>(number))] {
@@ -133,15 +152,20 @@ void TrakkoAppDelegate::setPointView() {
     checkFinishGetData = true;
     return;
   }
-  detachThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
+  startThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
     performOnMainThread([this, chosen, rows = pointRows(points, number)]() mutable {
       if (chosen == selection_) {
-        pointViewData = std::move(rows);
-        reload(pointView);
+        takePointRows(std::move(rows));
       }
       checkFinishGetData = true;
     });
   });
+}
+
+void TrakkoAppDelegate::takePointRows(std::vector<pViewData> rows) {
+  pointViewData = std::move(rows);
+  reload(pointView);
+  checkFinishGetData = true;
 }
 
 void TrakkoAppDelegate::setLapView() {
@@ -154,7 +178,7 @@ void TrakkoAppDelegate::setLapView() {
 }
 
 void TrakkoAppDelegate::clearTables() {
-  choose();
+  forgetLoads();
   runViewData.clear();
   reload(tView);
   lapViewData.clear();

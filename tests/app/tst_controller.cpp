@@ -52,6 +52,7 @@ class TestController : public QObject {
   void firstRunIsShown();
   void clickShowsThatRunEverywhere();
   void everyWayToHighlightARunChoosesIt();
+  void quickKeysReadOneRun();
   void lateLoadDoesNotOverwriteAClick();
   void onlyTheNewestRefreshDraws();
   void runThatWasAskedForIsDeleted();
@@ -185,6 +186,23 @@ void TestController::runThatWasAskedForIsDeleted() {
   QCOMPARE(fixture.controller->runKArr, QStringList({"03", "02"}));
 }
 
+void TestController::quickKeysReadOneRun() {
+  StartedWindow fixture(20);
+  fixture.mapLoads();
+  int mostThreads = 0;
+  for (int press = 1; press < 20; ++press) {
+    QTest::keyClick(fixture.controller->tView, Qt::Key_Down);
+    mostThreads = std::max(mostThreads, detachedThreadCount());
+  }
+  fixture.settle();
+  QCOMPARE(mostThreads, 1);
+  QCOMPARE(fixture.controller->currentNumber, 1);
+  QCOMPARE(fixture.controller->pointViewData.size(), 12U);
+  const QStringList drawn = fixture.map.calls.filter("MapPolyline");
+  QCOMPARE(drawn.size(), 1);
+  QVERIFY(drawn[0].contains("lat: 36.001000"));
+}
+
 void TestController::lateLoadDoesNotOverwriteAClick() {
   WindowFixture fixture;
   storeRuns(3);
@@ -192,7 +210,9 @@ void TestController::lateLoadDoesNotOverwriteAClick() {
   QTRY_COMPARE(fixture.controller->currentNumber, 3);
   fixture.controller->calltView({1});
   fixture.controller->tableviewClick(1);  // while the first run's laps are still to come
+  fixture.controller->refreshData(0);     // a load of the tables that newer ones have overtaken
   fixture.settle();
+  QCOMPARE(fixture.controller->currentNumber, 2);
   QCOMPARE(shown(fixture.controller->lapView, 0, 0), QString("2026-05-02 07:30:00"));
   QCOMPARE(fixture.controller->lapView->model()->rowCount(), 3);
 }

@@ -1,0 +1,134 @@
+#include "app/runLoader.h"
+
+#include "base/detachThread.h"
+#include "base/mainQueue.h"
+#include "data/dataControl.h"
+
+#include <QLoggingCategory>
+
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcLoader, "trakko.loader", QtInfoMsg)
+
+/// Whether the result has become useless meanwhile.
+using IsStale = std::function<bool()>;
+
+/// Empty when the result became useless on the way.
+std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest& wanted) {
+  LoadedTrack track;
+  track.points = dataControl().getTrackData(static_cast<qint32>(wanted.number));
+  if (isStale()) {
+    return {};
+  }
+  track.runs = dataControl().getRunData(QStringLiteral("All"), QStringLiteral(""));
+  if (!wanted.google) {
+    qCInfo(lcLoader, "%lld", static_cast<long long>(track.runs.size()));
+  }
+  track.laps = dataControl().getLapData(static_cast<qint32>(wanted.lapsNumber));
+  if (isStale()) {
+    return {};
+  }
+  track.overlay = wanted.google ? buildGoogleOverlay(track.points, wanted.number, wanted.arrow)
+                                : buildGDOverlay(track.points, wanted.number, wanted.arrow);
+  if (isStale()) {
+    return {};
+  }
+  track.pointRows = pointRows(track.points, wanted.number);
+  return track;
+}
+
+/// The thread goes on to other runs after one that, say, does not fit into the memory.
+std::optional<LoadedTrack> readOrFail(const IsStale& isStale, const TrackRequest& wanted) {
+  try {
+    return readUnless(isStale, wanted);
+  } catch (const std::exception& error) {
+    qCCritical(lcLoader, "run %lld: %s", static_cast<long long>(wanted.number), error.what());
+    LoadedTrack nothing;
+    nothing.failed = true;
+    return nothing;
+  }
+}
+
+}  // namespace
+
+struct RunLoader::Work {
+  struct Job {
+    int id;
+    TrackRequest wanted;
+  };
+
+  std::mutex mutex;
+  // What the loader and its thread share, under the mutex.
+  std::optional<Job> waiting;
+  bool threadLives = false;
+  // The newest request. Main thread.
+  int newest = 0;
+  TrackRequest wanted;
+  Receiver receiver;  ///< Empty once it is answered.
+
+  bool hand(Job job);
+  std::optional<Job> takeJob();
+  bool isSuperseded();
+  void answer(int id, LoadedTrack& track);
+  static void run(const std::shared_ptr<Work>& work);
+};
+
+/// Leaves the job to the thread; true when a thread has to be started for it.
+bool RunLoader::Work::hand(Job job) {
+  const std::lock_guard lock(mutex);
+  waiting = std::move(job);
+  return !std::exchange(threadLives, true);
+}
+
+/// The next job of the thread, which has to end when there is none.
+std::optional<RunLoader::Work::Job> RunLoader::Work::takeJob() {
+  const std::lock_guard lock(mutex);
+  threadLives = waiting.has_value();
+  return std::exchange(waiting, std::nullopt);
+}
+
+bool RunLoader::Work::isSuperseded() {
+  const std::lock_guard lock(mutex);
+  return waiting.has_value();
+}
+
+void RunLoader::Work::answer(int id, LoadedTrack& track) {
+  if (id == newest && receiver) {
+    std::exchange(receiver, {})(track);
+  }
+}
+
+void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
+  while (const std::optional<Job> job = work->takeJob()) {
+    auto track = readOrFail([&work] { return work->isSuperseded(); }, job->wanted);
+    if (track) {
+      performOnMainThread(
+          [work, id = job->id, answer = std::make_shared<LoadedTrack>(std::move(*track))] {
+            work->answer(id, *answer);
+          });
+    }
+  }
+}
+
+RunLoader::RunLoader() : work_(std::make_shared<Work>()) {}
+RunLoader::~RunLoader() = default;
+
+void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
+  const bool unanswered = std::exchange(work_->receiver, std::move(receiver)) != nullptr;
+  if (unanswered && wanted == work_->wanted) {
+    return;
+  }
+  work_->wanted = wanted;
+  if (work_->hand({++work_->newest, wanted})) {
+    detachThread("loader", [work = work_] { Work::run(work); });
+  }
+}
+
+LoadedTrack RunLoader::read(const TrackRequest& wanted) {
+  return readUnless([] { return false; }, wanted).value();
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/tableRows.h"
+#include "data/records.h"
+#include "map/trackOverlay.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// Which run is to be read, and for which map page.
+struct TrackRequest {
+  qint64 number = 0;      ///< Activity number of the points and of the overlay.
+  qint64 lapsNumber = 0;  ///< Activity number of the laps.
+  bool google = true;     ///< The overlay's page: Google Maps, else AMap.
+  QString arrow;          ///< The arrow of an earlier run, see buildGoogleOverlay().
+  int load = 0;           ///< Number of the load of the tables that the run stands in.
+  bool operator==(const TrackRequest&) const = default;
+};
+
+/// A run as read from the store, with what the window shows of it.
+struct LoadedTrack {
+  RunDictionary runs;  ///< All runs.
+  LapDictionary laps;
+  PointDictionary points;
+  TrackOverlay overlay;
+  std::vector<pViewData> pointRows;
+  bool failed = false;  ///< It could not be read; the rest is empty.
+};
+
+/// Reads runs on one thread that lives while there is something to read.
+///
+/// The newest request wins: one that still waits gives way to it unread, and the result of one that
+/// is being read is dropped. So running through a long list costs as much as its last run. Main
+/// thread, receivers included.
+class RunLoader {
+ public:
+  using Receiver = std::function<void(LoadedTrack& track)>;
+
+  RunLoader();
+  ~RunLoader();
+  Q_DISABLE_COPY_MOVE(RunLoader)
+
+  /// Reads the run and hands it to `receiver`, unless another request follows first. A request
+  /// equal to the one that is not answered yet takes over its answer. Returns at once.
+  void request(const TrackRequest& wanted, Receiver receiver);
+
+  /// Reads a run on the calling thread, whichever that is.
+  static LoadedTrack read(const TrackRequest& wanted);
+
+ private:
+  struct Work;
+  std::shared_ptr<Work> work_;  ///< Shared with the thread, which may outlive this object.
+};
