@@ -166,6 +166,7 @@ void TestController::onlyTheNewestRefreshDraws() {
   fixture.mapLoads();
   fixture.dialogs->eraseAnswer = true;
   fixture.controller->deleteOneData();
+  QTRY_COMPARE(fixture.controller->currentNumber, 3);
   mainQueue::post([&] {
     QTest::qWait(100);  // the first refresh ends while a question of the download stands
     fixture.controller->deleteOneData();
