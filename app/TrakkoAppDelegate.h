@@ -187,6 +187,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void takePointRows(std::vector<pViewData> rows);
   void clearTables();
+  void tellUnreadable(bool ofNewData);
   void takeDownload(const std::shared_ptr<WatchDownload>& download, const DownloadOutcome& outcome);
   void downloadEnded();
   void tellThreadFailures();
@@ -205,7 +206,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   TrackRequest requestFor(qint64 number, bool google) const;
   QString trackNow(qint64 number, bool google);
   void takeTrack(LoadedTrack& track);
-  void drawTrack(const QString& expression);
+  void drawTrack(const QString& expression, bool failed);
   Selection choose();
   /// What is being read now no longer counts.
   void forgetLoads();
@@ -222,6 +223,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   std::atomic<int> newestLoad_{0};   ///< Number of the newest load of the tables.
   bool fileWorkRuns_ = false;
   bool saysNoPositions_ = false;     ///< The status line says that a run has no positions.
+  bool toldUnreadable_ = false;      ///< The user has seen a box that says so.
   bool pageAnswers_ = false;         ///< The page's script runs, whether or not it has a map yet.
   bool mapLoaded_ = false;           ///< The page has reported its map.
   std::atomic<int> shownValue_{-1};  ///< What the progress bar is about to show; -1 when it does.

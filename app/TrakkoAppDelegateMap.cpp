@@ -71,10 +71,13 @@ void TrakkoAppDelegate::displayMap() {
     return;
   }
   loader_.request(requestFor(currentNumber, isAvailable),
-                  [this, chosen = choose()](LoadedTrack& track) {
+                  [this, chosen = choose(), ofNewData = getNewData == 1](LoadedTrack& track) {
                     if (chosen == selection_) {
                       takeTrack(track);
-                      drawTrack(track.overlay.expression);
+                      drawTrack(track.overlay.expression, track.failed);
+                      if (track.failed) {
+                        tellUnreadable(ofNewData);
+                      }
                     }
                   });
 }
@@ -97,9 +100,9 @@ void TrakkoAppDelegate::takeTrack(LoadedTrack& track) {
   minLon = track.overlay.bounds.minLon;
 }
 
-void TrakkoAppDelegate::drawTrack(const QString& expression) {
+void TrakkoAppDelegate::drawTrack(const QString& expression, bool failed) {
   if (expression.isEmpty()) {
-    if (runDic.contains(text::padded(currentNumber, 2))) {
+    if (!failed && runDic.contains(text::padded(currentNumber, 2))) {
       showStatus(QStringLiteral("このランには位置データがありません。"));
       saysNoPositions_ = true;
     }

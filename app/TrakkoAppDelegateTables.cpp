@@ -96,12 +96,16 @@ void TrakkoAppDelegate::setViewData(const QString& start, const QString& endTime
 }
 
 void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int load) {
+  const bool ofNewData = getNewData == 1;
   dataControl store;
   const RunDictionary runs = store.getRunData(start.isEmpty() ? QStringLiteral("All") : start, end);
   if (runs.isEmpty()) {
-    performOnMainThread([this, load] {
+    performOnMainThread([this, load, ofNewData, failed = store.queryFailed] {
       if (load == newestLoad_) {
         runDic = {};
+      }
+      if (failed) {
+        tellUnreadable(ofNewData);
       }
     });
     checkFinishGetData = true;
@@ -130,6 +134,22 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
       setLapView();
     }
   });
+  if (store.queryFailed) {
+    performOnMainThread([this, ofNewData] { tellUnreadable(ofNewData); });
+  }
+}
+
+// An empty table would pass for an empty database. A box tells the first time, and the line each
+// time, except after a command that brought new data: there it tells what became of that.
+void TrakkoAppDelegate::tellUnreadable(bool ofNewData) {
+  const QString problem = QStringLiteral(
+      "データベースを読めませんでした。壊れているか、他のプログラムが使用しています。");
+  if (!ofNewData) {
+    showStatus(problem);
+  }
+  if (!std::exchange(toldUnreadable_, true)) {
+    alertUSB(problem);
+  }
 }
 
 void TrakkoAppDelegate::takeRuns(const RunDictionary& runs, const QStringList& keys,

@@ -21,15 +21,27 @@ using IsStale = std::function<bool()>;
 /// Empty when the result became useless on the way.
 std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest& wanted) {
   LoadedTrack track;
-  track.points = dataControl().getTrackData(static_cast<qint32>(wanted.number));
+  const auto answerOf = [&track](const auto& question) {
+    dataControl store;
+    auto answer = question(store);
+    track.failed = track.failed || store.queryFailed;
+    return answer;
+  };
+  track.points = answerOf([&wanted](dataControl& store) {
+    return store.getTrackData(static_cast<qint32>(wanted.number));
+  });
   if (isStale()) {
     return {};
   }
-  track.runs = dataControl().getRunData(QStringLiteral("All"), QStringLiteral(""));
+  track.runs = answerOf([](dataControl& store) {
+    return store.getRunData(QStringLiteral("All"), QStringLiteral(""));
+  });
   if (!wanted.google) {
     qCInfo(lcLoader, "%lld", static_cast<long long>(track.runs.size()));
   }
-  track.laps = dataControl().getLapData(static_cast<qint32>(wanted.lapsNumber));
+  track.laps = answerOf([&wanted](dataControl& store) {
+    return store.getLapData(static_cast<qint32>(wanted.lapsNumber));
+  });
   if (isStale()) {
     return {};
   }

@@ -27,7 +27,7 @@ struct LoadedTrack {
   PointDictionary points;
   TrackOverlay overlay;
   std::vector<pViewData> pointRows;
-  bool failed = false;  ///< It could not be read; the rest is empty.
+  bool failed = false;  ///< Something could not be read; what is empty may not be so in the store.
 };
 
 /// Reads runs on one thread that lives while there is something to read.
