@@ -2,6 +2,8 @@
 
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
+#include "data/bundle.h"
+#include "data/pointLocator.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -80,7 +82,8 @@ void TrakkoAppDelegate::startThread(const char* name, const std::function<void()
   detachThread(name, [this, work] {
     auto tell = qScopeGuard([this] {
       performOnMainThread([this] {
-        showStatus(QStringLiteral("処理を続けられませんでした。詳細はログを確認して下さい。"));
+        showStatus(QStringLiteral("処理を続けられませんでした。詳細はログを確認して下さい。"),
+                   Verdict::failure);
       });
     });
     work();
@@ -105,6 +108,8 @@ void TrakkoAppDelegate::refreshData(int load) {
       }
     });
   }
+  // From now on a click reads only where its run lies.
+  pointLocator::locate(databasePath(mainBundle()));
 }
 
 void TrakkoAppDelegate::alertUSB(const QString& message) {

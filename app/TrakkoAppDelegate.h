@@ -220,7 +220,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   std::vector<std::shared_ptr<WatchDownload>> downloads_;  ///< Those under way.
   int downloadsRunning_ = 0;
   RunLoader loader_;
-  std::atomic<int> newestLoad_{0};   ///< Number of the newest load of the tables.
+  std::atomic<int> newestLoad_{0};  ///< Number of the newest load of the tables.
   bool fileWorkRuns_ = false;
   bool saysNoPositions_ = false;     ///< The status line says that a run has no positions.
   bool toldUnreadable_ = false;      ///< The user has seen a box that says so.

@@ -47,6 +47,9 @@ void TrakkoAppDelegate::allDeleted(qint32 result) {
 }
 
 void TrakkoAppDelegate::reportDeletion(qint32 result) {
-  showStatus(result == 1 ? QStringLiteral("消去しました。")
-                         : QStringLiteral("データベースから消去できませんでした。"));
+  if (result == 1) {
+    showStatus(QStringLiteral("消去しました。"), Verdict::done);
+  } else {
+    showStatus(QStringLiteral("データベースから消去できませんでした。"), Verdict::failure);
+  }
 }

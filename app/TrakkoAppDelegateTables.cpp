@@ -1,7 +1,6 @@
 // The three tables of the controller: loading them from the store and answering what they show.
 
 #include "app/TrakkoAppDelegate.h"
-#include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "base/text.h"
 #include "base/trackTime.h"
@@ -145,7 +144,7 @@ void TrakkoAppDelegate::tellUnreadable(bool ofNewData) {
   const QString problem = QStringLiteral(
       "データベースを読めませんでした。壊れているか、他のプログラムが使用しています。");
   if (!ofNewData) {
-    showStatus(problem);
+    showStatus(problem, Verdict::failure);
   }
   if (!std::exchange(toldUnreadable_, true)) {
     alertUSB(problem);

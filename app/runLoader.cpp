@@ -19,7 +19,8 @@ Q_LOGGING_CATEGORY(lcLoader, "trakko.loader", QtInfoMsg)
 using IsStale = std::function<bool()>;
 
 /// Empty when the result became useless on the way.
-std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest& wanted) {
+std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest& wanted,
+                                      dataControl::KnownRuns& runs) {
   LoadedTrack track;
   const auto answerOf = [&track](const auto& question) {
     dataControl store;
@@ -33,9 +34,7 @@ std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest
   if (isStale()) {
     return {};
   }
-  track.runs = answerOf([](dataControl& store) {
-    return store.getRunData(QStringLiteral("All"), QStringLiteral(""));
-  });
+  track.runs = answerOf([&runs](dataControl& store) { return store.allRuns(runs); });
   if (!wanted.google) {
     qCInfo(lcLoader, "%lld", static_cast<long long>(track.runs.size()));
   }
@@ -55,9 +54,10 @@ std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest
 }
 
 /// The thread goes on to other runs after one that, say, does not fit into the memory.
-std::optional<LoadedTrack> readOrFail(const IsStale& isStale, const TrackRequest& wanted) {
+std::optional<LoadedTrack> readOrFail(const IsStale& isStale, const TrackRequest& wanted,
+                                      dataControl::KnownRuns& runs) {
   try {
-    return readUnless(isStale, wanted);
+    return readUnless(isStale, wanted, runs);
   } catch (const std::exception& error) {
     qCCritical(lcLoader, "run %lld: %s", static_cast<long long>(wanted.number), error.what());
     LoadedTrack nothing;
@@ -78,6 +78,7 @@ struct RunLoader::Work {
   // What the loader and its thread share, under the mutex.
   std::optional<Job> waiting;
   bool threadLives = false;
+  dataControl::KnownRuns runs;  ///< The thread's alone.
   // The newest request. Main thread.
   int newest = 0;
   TrackRequest wanted;
@@ -117,7 +118,7 @@ void RunLoader::Work::answer(int id, LoadedTrack& track) {
 
 void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
   while (const std::optional<Job> job = work->takeJob()) {
-    auto track = readOrFail([&work] { return work->isSuperseded(); }, job->wanted);
+    auto track = readOrFail([&work] { return work->isSuperseded(); }, job->wanted, work->runs);
     if (track) {
       performOnMainThread(
           [work, id = job->id, answer = std::make_shared<LoadedTrack>(std::move(*track))] {
@@ -142,5 +143,6 @@ void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
 }
 
 LoadedTrack RunLoader::read(const TrackRequest& wanted) {
-  return readUnless([] { return false; }, wanted).value();
+  dataControl::KnownRuns runs;
+  return readUnless([] { return false; }, wanted, runs).value();
 }

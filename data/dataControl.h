@@ -2,6 +2,7 @@
 
 #include "data/connection.h"
 #include "data/connectionLimits.h"
+#include "data/fileState.h"
 #include "data/records.h"
 
 #include <QByteArray>
@@ -10,6 +11,7 @@
 #include <QtGlobal>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 struct sqlite3;
@@ -84,6 +86,14 @@ class dataControl {
   /// The runs of a period, newest first; a start text "ALL" in any case means all. The bounds are
   /// compared as texts. Distances come back in kilometres. Fills runKeyArray.
   RunDictionary getRunData(const QString& start, const QString& endDateStr);
+  /// All runs as an earlier allRuns() read them.
+  struct KnownRuns {
+    std::optional<FileState> state;
+    RunDictionary runs;
+  };
+  /// All runs; they are read only when the file changed since `known`, which is then brought up to
+  /// date.
+  RunDictionary allRuns(KnownRuns& known);
   LapDictionary getLapData(qint32 number);
   /// Sets trackCount.
   PointDictionary getTrackData(qint32 number);

@@ -114,6 +114,16 @@ RunDictionary dataControl::getRunData(const QString& start, const QString& endDa
   return runs;
 }
 
+RunDictionary dataControl::allRuns(KnownRuns& known) {
+  const Reading reading(usable());
+  const auto state = reading ? fileState(usable()) : std::nullopt;
+  if (!state || state != known.state) {
+    known.runs = getRunData(u"All"_s, u""_s);
+    known.state = queryFailed ? std::nullopt : state;
+  }
+  return known.runs;
+}
+
 LapDictionary dataControl::getLapData(qint32 number) {
   const Reading reading(usable());
   Rows rows(usable(), "Select * From T_LapData Where " +

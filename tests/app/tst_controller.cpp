@@ -8,6 +8,8 @@
 
 #include <QTableView>
 
+#include <algorithm>
+
 namespace {
 
 QString shown(const QTableView* table, int row, int column) {
@@ -121,12 +123,14 @@ void TestController::firstRunIsShown() {
 void TestController::clickShowsThatRunEverywhere() {
   StartedWindow fixture(3);
   fixture.mapLoads();
+  dataControl().deleteRecord("Update T_RunData Set T_RunAvgHR='99' Where T_Cnumber=1");
   QTableView* runs = fixture.controller->tView;
   const QRect cell = runs->visualRect(runs->model()->index(2, 0));
   QTest::mouseClick(runs->viewport(), Qt::LeftButton, {}, cell.center());
   fixture.settle();
   QCOMPARE(fixture.controller->currentNumber, 1);
   QCOMPARE(shown(fixture.controller->lapView, 0, 0), QString("2026-05-01 07:30:00"));
+  QCOMPARE(shown(fixture.controller->lapView, 0, 6), QString("99"));  // as stored meanwhile
   QCOMPARE(fixture.map.calls.size(), 4);
   QCOMPARE(fixture.map.calls[0], QString("initMap();"));
   QVERIFY(fixture.map.calls[1].startsWith("MapPolyline([{lat: 36.001000, lng: 139.001000}"));
