@@ -9,7 +9,6 @@
 #include <QLoggingCategory>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScopeGuard>
 #include <QTimer>
 
 #include <utility>
@@ -74,21 +73,7 @@ void TrakkoAppDelegate::windowDidResize() {}
 
 void TrakkoAppDelegate::startRefresh() {
   forgetLoads();
-  startThread("refresh", [this, load = newestLoad_.load()] { refreshData(load); });
-}
-
-// An exception ends its thread alone, and the line at the bottom tells.
-void TrakkoAppDelegate::startThread(const char* name, const std::function<void()>& work) {
-  detachThread(name, [this, work] {
-    auto tell = qScopeGuard([this] {
-      performOnMainThread([this] {
-        showStatus(QStringLiteral("処理を続けられませんでした。詳細はログを確認して下さい。"),
-                   Verdict::failure);
-      });
-    });
-    work();
-    tell.dismiss();
-  });
+  detachThread("refresh", [this, load = newestLoad_.load()] { refreshData(load); });
 }
 
 void TrakkoAppDelegate::startRefreshOfNewData() {

@@ -182,7 +182,6 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void startRefresh();
   void startRefreshOfNewData();
   void waitForFirstLoad(int counter);
-  void startThread(const char* name, const std::function<void()>& work);
   void loadTables(const QString& start, const QString& end, int load);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void takePointRows(std::vector<pViewData> rows);

@@ -2,6 +2,7 @@
 // which takes seconds in a large file: a thread does it, and the window follows.
 
 #include "app/TrakkoAppDelegate.h"
+#include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "data/dataControl.h"
 
@@ -12,7 +13,7 @@ void TrakkoAppDelegate::deleteOneData() {
       !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
-  startThread("delete", [this, number] {
+  detachThread("delete", [this, number] {
     const qint32 result = dataControl().deleteOneData(number);
     performOnMainThread([this, result] { oneDeleted(result); });
   });
@@ -23,7 +24,7 @@ void TrakkoAppDelegate::deleteAllData() {
       !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
-  startThread("delete", [this] {
+  detachThread("delete", [this] {
     const qint32 result = dataControl().deleteAllData();
     performOnMainThread([this, result] { allDeleted(result); });
   });

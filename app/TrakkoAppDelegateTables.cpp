@@ -1,6 +1,7 @@
 // The three tables of the controller: loading them from the store and answering what they show.
 
 #include "app/TrakkoAppDelegate.h"
+#include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "base/text.h"
 #include "base/trackTime.h"
@@ -171,7 +172,7 @@ void TrakkoAppDelegate::setPointView() {
     checkFinishGetData = true;
     return;
   }
-  startThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
+  detachThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
     performOnMainThread([this, chosen, rows = pointRows(points, number)]() mutable {
       if (chosen == selection_) {
         takePointRows(std::move(rows));

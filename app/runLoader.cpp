@@ -86,6 +86,7 @@ struct RunLoader::Work {
 
   bool hand(Job job);
   std::optional<Job> takeJob();
+  void giveUp();
   bool isSuperseded();
   void answer(int id, LoadedTrack& track);
   static void run(const std::shared_ptr<Work>& work);
@@ -103,6 +104,13 @@ std::optional<RunLoader::Work::Job> RunLoader::Work::takeJob() {
   const std::lock_guard lock(mutex);
   threadLives = waiting.has_value();
   return std::exchange(waiting, std::nullopt);
+}
+
+/// There is no thread for the job that waits.
+void RunLoader::Work::giveUp() {
+  const std::lock_guard lock(mutex);
+  waiting.reset();
+  threadLives = false;
 }
 
 bool RunLoader::Work::isSuperseded() {
@@ -137,8 +145,9 @@ void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
     return;
   }
   work_->wanted = wanted;
-  if (work_->hand({++work_->newest, wanted})) {
-    detachThread("loader", [work = work_] { Work::run(work); });
+  if (work_->hand({++work_->newest, wanted}) &&
+      !detachThread("loader", [work = work_] { Work::run(work); })) {
+    work_->giveUp();
   }
 }
 
