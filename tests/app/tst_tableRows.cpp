@@ -34,7 +34,8 @@ void tst_tableRows::pace() {
 void tst_tableRows::missingLapLeavesNoGap() {
   lapData lap;
   lap.T_LapType = QStringLiteral("Lap 2");
-  const auto rows = lapRows({}, {{QStringLiteral("7-2"), lap}, {QStringLiteral("7-3"), {}}}, 7);
+  const auto rows =
+      lapRows({}, {{QStringLiteral("7-2"), lap}, {QStringLiteral("7-3"), lapData()}}, 7);
   QCOMPARE(rows.size(), 2U);  // the run's and lap 2: only so many are looked for as there are
   QCOMPARE(rows[1].nsStrName1, QStringLiteral("Lap 2"));
 }
