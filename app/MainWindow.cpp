@@ -2,6 +2,7 @@
 
 #include "app/TrakkoAppDelegate.h"
 #include "app/columnFitter.h"
+#include "app/manyExport.h"
 #include "app/statusLine.h"
 #include "app/tableLook.h"
 #include "app/tableModel.h"
@@ -49,6 +50,7 @@ void MainWindow::connectOutlets() {
   controller_->getDBu = downloadButton_.get();
   controller_->progressBar = progress;
   controller_->statusLine = line;
+  manyExport_ = new ManyExport(this, line);
 }
 
 void MainWindow::setUpTables() {

@@ -9,6 +9,7 @@
 #include <memory>
 
 class ColumnFitter;
+class ManyExport;
 class QLabel;
 class QPushButton;
 class TrakkoAppDelegate;
@@ -52,6 +53,7 @@ class MainWindow : public QMainWindow {
   void connectTotals();
   void addContextMenus();
   void showHint();
+  void exportManyRuns();
 
   void arrangePanes();
   void arrangeHeights(int height);
@@ -61,6 +63,7 @@ class MainWindow : public QMainWindow {
 
   TrakkoAppDelegate* controller_;
   std::unique_ptr<Ui::MainWindow> ui_;
+  ManyExport* manyExport_ = nullptr;
   /// Hidden for good. No child of the window, where it would still be read out.
   std::unique_ptr<QPushButton> downloadButton_;
   QMap<QString, ColumnFitter*> columns_;  ///< Of the tables, by the names in the state file.

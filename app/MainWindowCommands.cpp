@@ -3,11 +3,18 @@
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
 #include "app/aboutBox.h"
+#include "app/boxOver.h"
+#include "app/exportManyDialog.h"
+#include "app/manyExport.h"
 #include "app/tableKeys.h"
+#include "export/offsetText.h"
 #include "ui_MainWindow.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <utility>
@@ -27,6 +34,7 @@ void MainWindow::connectCommands() {
   on(ui_->actionBackup, &TrakkoAppDelegate::BackupData);
   on(ui_->actionRecover, &TrakkoAppDelegate::RecoverData);
   connect(ui_->actionQuit, &QAction::triggered, this, &QWidget::close);
+  connect(ui_->actionExportMany, &QAction::triggered, this, &MainWindow::exportManyRuns);
   connect(ui_->actionAbout, &QAction::triggered, this, [this] { showAbout(this); });
   // In the tables of laps and points the key would delete more than what is marked there.
   ui_->actionDeleteOne->setShortcutContext(Qt::WidgetShortcut);
@@ -42,11 +50,12 @@ void MainWindow::connectTables() {
   });
   ui_->tView->installEventFilter(this);
   ui_->tView->viewport()->installEventFilter(this);
-  // Without runs these two have nothing to do; the others act, or at least ask, at any time.
+  // Without runs these three have nothing to do; the others act, or at least ask, at any time.
   const auto greyOut = [this] {
     const bool anyRuns = ui_->tView->model()->rowCount() > 0;
     ui_->actionDeleteOne->setEnabled(anyRuns);
     ui_->actionDeleteAll->setEnabled(anyRuns);
+    ui_->actionExportMany->setEnabled(anyRuns);
     showHint();
   };
   connect(ui_->tView->model(), &QAbstractItemModel::modelReset, this, greyOut);
@@ -111,4 +120,22 @@ void MainWindow::showHint() {
   if (!anyRuns && !controller_->checkFinishGetData) {
     QTimer::singleShot(again, this, &MainWindow::showHint);
   }
+}
+
+void MainWindow::exportManyRuns() {
+  QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  ExportManyDialog dialog(this, ui_->totalsPane->chosenDays(),
+                          QDir(folder).exists() ? folder : QDir::homePath());
+  if (!runOver(dialog, this)) {
+    return;
+  }
+  QHash<qint64, QString> names;
+  for (const runData& run : std::as_const(controller_->runDic)) {
+    names.insert(run.T_Cnumber, run.T_RunStartTime);
+  }
+  const auto [first, last] = dialog.days();
+  manyExport_->start({.numbers = runsWithin(controller_->runDic, controller_->runKArr, first, last),
+                      .format = dialog.format(),
+                      .folder = dialog.folder()},
+                     offsetText(QDateTime::currentDateTime().offsetFromUtc()), names);
 }

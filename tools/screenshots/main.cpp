@@ -29,6 +29,7 @@ class NoDialogs : public Dialogs {
  public:
   void message(const QString& text) override { std::fputs(qUtf8Printable(text + u'\n'), stderr); }
   bool confirmErase(const QString& /*text*/) override { return false; }
+  bool confirm(const QString&, const QString&) override { return false; }
   QString fileToSave(const QString&, const QString&, const QString&) override { return {}; }
   QString fileToOpen(const QString&, const QString&) override { return {}; }
 };

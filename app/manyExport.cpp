@@ -1,0 +1,124 @@
+#include "app/manyExport.h"
+
+#include "app/boxOver.h"
+#include "app/statusLine.h"
+#include "base/detachThread.h"
+#include "base/mainQueue.h"
+#include "base/text.h"
+
+#include <QProgressDialog>
+
+#include <exception>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString reasonFor(ExportFailure failure) {
+  switch (failure) {
+    case ExportFailure::NotRead:
+      return u"読み出せません"_s;
+    case ExportFailure::NoSuchRun:
+      return u"ランがありません"_s;
+    case ExportFailure::NoStartTime:
+      return u"開始日時がありません"_s;
+    case ExportFailure::TooFewPoints:
+      return u"位置データが足りません"_s;
+    case ExportFailure::NotWritten:
+      return u"書き込めません"_s;
+    case ExportFailure::None:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+ManyExport::ManyExport(QWidget* window, StatusLine* line)
+    : QObject(window), window_(window), line_(line) {}
+
+void ManyExport::start(const ManyRuns& runs, const QString& offset,
+                       const QHash<qint64, QString>& names) {
+  if (goesOn_ != nullptr) {
+    return;
+  }
+  goesOn_ = std::make_shared<std::atomic<bool>>(true);
+  names_ = names;
+  showProgress(runs.numbers.size());
+  detachThread("export", [self = QPointer<ManyExport>(this), runs, offset, goesOn = goesOn_] {
+    const auto tell = [&](qsizetype done) {
+      performOnMainThread([self, done] {
+        if (self != nullptr && self->progress_ != nullptr) {
+          self->progress_->setValue(static_cast<int>(done));
+        }
+      });
+      return goesOn->load();
+    };
+    ManyRunsResult result;
+    try {
+      result = exportMany(runs, offset, tell);
+    } catch (const std::exception&) {
+      result.cancelled = true;
+    }
+    performOnMainThread([self, result, folder = runs.folder] {
+      if (self != nullptr) {
+        self->finish(result, folder);
+      }
+    });
+  });
+}
+
+void ManyExport::showProgress(qsizetype all) {
+  progress_ = new QProgressDialog(u"ランを書き出しています..."_s, u"中止"_s, 0,
+                                  static_cast<int>(all), window_);
+  progress_->setWindowTitle(u"まとめて書き出す"_s);
+  progress_->setAttribute(Qt::WA_DeleteOnClose);
+  progress_->setAutoClose(false);
+  progress_->setAutoReset(false);
+  new BoxOver(progress_, window_);  // the dialog owns it
+  connect(progress_, &QProgressDialog::canceled, this, [goesOn = goesOn_] { *goesOn = false; });
+  progress_->show();
+}
+
+void ManyExport::finish(const ManyRunsResult& result, const QString& folder) {
+  goesOn_.reset();
+  if (progress_ != nullptr) {
+    progress_->close();
+  }
+  const bool isDone = result.failed.isEmpty() && !result.cancelled;
+  line_->tell(outcomeOf(result, folder, names_), isDone ? Verdict::done : Verdict::failure);
+}
+
+QList<qint64> runsWithin(const RunDictionary& runs, const QStringList& keys, QDate first,
+                         QDate last) {
+  constexpr qsizetype dateLength = 10;
+  QList<qint64> numbers;
+  for (const QString& key : keys) {
+    const QDate day =
+        QDate::fromString(runs.value(key).T_RunStartTime.left(dateLength), Qt::ISODate);
+    if (!first.isValid() || (day.isValid() && first <= day && day <= last)) {
+      numbers << text::toInteger(key);
+    }
+  }
+  return numbers;
+}
+
+QString outcomeOf(const ManyRunsResult& result, const QString& folder,
+                  const QHash<qint64, QString>& names) {
+  QStringList parts{u"%1件を「%2」に書き出しました。"_s.arg(result.written).arg(folder)};
+  if (result.skipped > 0) {
+    parts << u"%1件は同じ名前のファイルがあるため書き出しませんでした。"_s.arg(result.skipped);
+  }
+  if (!result.failed.isEmpty()) {
+    QStringList failed;
+    for (const ManyRunsResult::Failed& run : result.failed) {
+      failed << u"%1 (%2)"_s.arg(names.value(run.number), reasonFor(run.failure));
+    }
+    parts.prepend(
+        u"%1件を書き出せませんでした: %2。"_s.arg(failed.size()).arg(failed.join(u", "_s)));
+  }
+  if (result.cancelled) {
+    parts.prepend(u"途中で中止しました。"_s);
+  }
+  return parts.join(QString());
+}
