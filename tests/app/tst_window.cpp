@@ -1,5 +1,6 @@
 #include "app/messageBoxes.h"
 #include "app/shortText.h"
+#include "app/statusLine.h"
 #include "app/windowState.h"
 #include "base/mainQueue.h"
 #include "storedRuns.h"
@@ -20,6 +21,7 @@ class TestWindow : public QObject {
 
  private Q_SLOTS:
   void titles();
+  void longTexts();
   void keys_data();
   void keys();
   void totalsChooseARun();
@@ -43,6 +45,16 @@ void TestWindow::titles() {
            "開始日時|終了日時|距離 (km)|ラップ|タイム|距離 (km)|平均速度 (km/h)|平均ペース (/km)|"
            "最高速度 (km/h)|平均心拍|最大心拍|タイムゾーン|カロリー|番号|時刻|距離 (km)|"
            "平均速度 (km/h)|平均ペース (/km)|心拍数 (bpm)|カロリー|高度 (m)");
+}
+
+void TestWindow::longTexts() {
+  QCOMPARE(shortened(QString(1000000, u'\u0301')).size(), 301);
+  const QFontMetrics metrics(QGuiApplication::font());
+  const QString path = "/home/" + QString(400, u'a') + "/run.tcx";
+  const QString line = elidedLine("保存しました：「" + path + "」", metrics, 400);
+  QVERIFY(metrics.horizontalAdvance(line) <= 400);
+  QVERIFY2(line.startsWith("保存しました：「/home") && line.endsWith("run.tcx」"),
+           qUtf8Printable(line));
 }
 
 void TestWindow::keys_data() {
