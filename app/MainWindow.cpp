@@ -27,6 +27,7 @@ MainWindow::MainWindow(TrakkoAppDelegate* controller)
   addContextMenus();
   arrangePanes();
   fitScreen();
+  setAcceptDrops(true);
 }
 
 MainWindow::~MainWindow() = default;

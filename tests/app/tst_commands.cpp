@@ -5,8 +5,10 @@
 #include "windowFixture.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMimeData>
 #include <QTableView>
 #include <QTimer>
 
@@ -125,15 +127,19 @@ void TestCommands::backUpAndRestore() {
 
 void TestCommands::restoreOfDoubtfulFiles_data() {
   QTest::addColumn<QByteArray>("bytes");
+  QTest::addColumn<bool>("dropped");
   QTest::addColumn<bool>("goesOn");
   QTest::addColumn<QString>("told");
-  QTest::newRow("declined") << QByteArray("not a database") << false << "復元しませんでした。";
-  QTest::newRow("no database") << QByteArray("not a database") << true << "データベースではない";
-  QTest::newRow("empty") << QByteArray("") << true << "空のファイル";
+  QTest::newRow("declined") << QByteArray("not a database") << false << false
+                            << "復元しませんでした。";
+  QTest::newRow("no database") << QByteArray("not a database") << false << true
+                               << "データベースではない";
+  QTest::newRow("empty, dropped") << QByteArray("") << true << true << "空のファイル";
 }
 
 void TestCommands::restoreOfDoubtfulFiles() {
   QFETCH(QByteArray, bytes);
+  QFETCH(bool, dropped);
   QFETCH(bool, goesOn);
   QFETCH(QString, told);
   WindowFixture fixture;
@@ -143,7 +149,14 @@ void TestCommands::restoreOfDoubtfulFiles() {
   fixture.dialogs->fileAnswer = fixture.file("photo.db3");
   fixture.dialogs->confirmAnswer = goesOn;
   writeBytes(fixture.file("photo.db3"), bytes);
-  fixture.controller->RecoverData();
+  QMimeData dragged;
+  dragged.setUrls({QUrl::fromLocalFile(fixture.file("photo.db3"))});
+  QDropEvent drop({}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+  if (dropped) {
+    static_cast<QObject*>(fixture.window.get())->event(&drop);
+  } else {
+    fixture.controller->RecoverData();
+  }
   QTRY_VERIFY(fixture.controller->statusLine->text().contains(told) &&
               fixture.dialogs->questions.size() == 1);
   fixture.settle();
