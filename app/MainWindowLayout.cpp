@@ -63,7 +63,10 @@ void MainWindow::arrangePanes() {
   const int margin = ui_->tView->verticalScrollBar()->sizeHint().width() + 2;
   const int left = std::max(columns_.value(QStringLiteral("runs"))->neededWidth(),
                             columns_.value(QStringLiteral("totals"))->neededWidth());
-  ui_->mainSplitter->setSizes({left + margin, width() - left - margin});
+  // With a large font the map and the laps need the room more.
+  const int most = std::max(ui_->viewMonth->minimumSizeHint().width() + 2, width() * 2 / 5);
+  const int shown = std::min(left + margin, most);
+  ui_->mainSplitter->setSizes({shown, width() - shown});
   ui_->rightSplitter->setStretchFactor(0, 3);
   ui_->rightSplitter->setStretchFactor(1, 1);
   ui_->rightSplitter->setStretchFactor(2, 1);
@@ -87,7 +90,10 @@ void MainWindow::arrangeHeights(int height) {
   constexpr int profileLeast = 100;
   constexpr int rowsWanted = 6;
   constexpr int rowsLeast = 2;
-  const int above = ui_->trackTabs->tabBar()->sizeHint().height();
+  const bool scrolls =
+      columns_.value(QStringLiteral("laps"))->neededWidth() > ui_->rightSplitter->width();
+  const int above = ui_->trackTabs->tabBar()->sizeHint().height() +
+                    (scrolls ? ui_->lapView->horizontalScrollBar()->sizeHint().height() : 0);
   const bool hasProfile = !ui_->profilePane->isHidden();
   const int line = fontMetrics().height();
   const int handles = (hasProfile ? 2 : 1) * ui_->rightSplitter->handleWidth();

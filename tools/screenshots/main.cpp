@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyleFactory>
 #include <QTabWidget>
@@ -137,7 +138,12 @@ int main(int argc, char** argv) {
   auto* part = parser.isSet(QStringLiteral("part"))
                    ? window->findChild<QWidget*>(parser.value(QStringLiteral("part")))
                    : window;
-  QPixmap picture = part->grab();
+  // The engine's pages draw past Qt, so on a real screen it is asked for what it shows.
+  QPixmap picture = QGuiApplication::platformName() == QStringLiteral("xcb")
+                        ? window->screen()->grabWindow(0, part->mapToGlobal(QPoint()).x(),
+                                                       part->mapToGlobal(QPoint()).y(),
+                                                       part->width(), part->height())
+                        : part->grab();
   if (parser.isSet(QStringLiteral("width"))) {
     picture = picture.scaledToWidth(text::toInt32(parser.value(QStringLiteral("width"))),
                                     Qt::SmoothTransformation);
