@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "base/trackTime.h"
 #include "data/pauseFinder.h"
+#include "data/recordOrder.h"
 #include "stats/units.h"
 
 #include <algorithm>
@@ -137,32 +138,26 @@ class LapCutter {
   int end_ = 0;
 };
 
-template <typename Records, typename Take>
-void inOrder(const Records& records, qint64 number, Take take) {
-  const QString prefix = QString::number(number) + u'-';
-  for (qsizetype i = 1; i <= records.size(); ++i) {
-    const auto record = records.constFind(prefix + QString::number(i));
-    if (record != records.constEnd()) {
-      take(i, *record);
-    }
-  }
-}
-
 }  // namespace
 
 RunProfile runProfile(const PointDictionary& points, const LapDictionary& laps, qint64 number) {
   RunProfile profile;
   PointReader reader;
   profile.points.reserve(static_cast<std::size_t>(points.size()));
+  qint64 sequence = 0;
   // The point keys carry the number as a 32-bit one, unlike the lap keys.
-  inOrder(points, static_cast<qint32>(number),
-          [&](qsizetype sequence, const trackPointData& point) {
-            profile.points.push_back(reader.read(sequence, point));
-          });
+  for (const trackPointData* point : inOrder(points, static_cast<qint32>(number))) {
+    ++sequence;
+    if (point != nullptr) {
+      profile.points.push_back(reader.read(sequence, *point));
+    }
+  }
   LapCutter cutter(profile.points);
-  inOrder(laps, number, [&](qsizetype /*number*/, const lapData& lap) {
-    profile.laps.push_back(cutter.next(lap));
-  });
+  for (const lapData* lap : inOrder(laps, number)) {
+    if (lap != nullptr) {
+      profile.laps.push_back(cutter.next(*lap));
+    }
+  }
   profile.speed = usualRange(profile.points, &ProfilePoint::speed);
   profile.heartRate = wholeRange(profile.points, &ProfilePoint::heartRate);
   profile.altitude = wholeRange(profile.points, &ProfilePoint::altitude);
