@@ -7,7 +7,8 @@ set -eu
 run_packages="build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-webengine-dev libqt6webenginecore6-bin qt6-qpa-plugins libqt6svg6
   qt6-translations-l10n libgl1-mesa-dev libvulkan-dev
-  libsqlite3-dev libudev-dev libpugixml-dev libjs-leaflet fonts-noto-cjk fonts-dejavu-core"
+  libsqlite3-dev libudev-dev libpugixml-dev libjs-leaflet libjs-dygraphs
+  fonts-noto-cjk fonts-dejavu-core"
 test_packages="libbenchmark-dev libumockdev-dev umockdev sqlite3 gpsbabel xvfb xauth
   libxml2-utils desktop-file-utils appstream locales"
 
