@@ -2,6 +2,8 @@
 #include "app/TrakkoAppDelegate.h"
 #include "app/commandLine.h"
 #include "app/messageBoxes.h"
+#include "app/profileLink.h"
+#include "app/profilePane.h"
 #include "app/singleInstance.h"
 #include "app/startUpCheck.h"
 #include "app/windowState.h"
@@ -64,6 +66,12 @@ void showBox(const QString& text) {
   box.exec();
 }
 
+/// The engine's pages, map and profile, live in one process: a second one costs memory.
+void shareOneProcess() {
+  const char* const flags = "QTWEBENGINE_CHROMIUM_FLAGS";
+  qputenv(flags, qgetenv(flags) + " --renderer-process-limit=1");
+}
+
 /// Shows what kept the launcher from making the user's folder; false when nothing did. Launchers
 /// have no boxes of their own where the desktop's tools for it are not installed.
 bool tellLauncherProblem() {
@@ -105,6 +113,7 @@ int main(int argc, char* argv[]) {
     return EXIT_SUCCESS;
   }
   registerMapScheme();
+  shareOneProcess();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Trakko"));
   QApplication::setApplicationVersion(QStringLiteral(TRAKKO_VERSION));
@@ -136,8 +145,12 @@ int main(int argc, char* argv[]) {
   dialogs->setWindow(window);
   auto* map = new WebMapView(dialogs);
   window->setMapWidget(map);
+  auto* profile = new ProfilePane(map->engine(), dialogs);
+  window->setProfileWidget(profile);
   window->keepStateIn(windowStatePath());
   connectMap(map, controller);
+  auto* link = new ProfileLink(controller, profile);
+  QObject::connect(map, &WebMapView::pageReset, link, &ProfileLink::mapReset);
   QObject::connect(&instance, &SingleInstance::raiseRequested, window,
                    [window] { raiseWindow(window); });
 
