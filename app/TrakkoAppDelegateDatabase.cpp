@@ -5,9 +5,9 @@
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "data/bundle.h"
+#include "data/databaseWords.h"
 
 #include <QDateTime>
-#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QScopeGuard>
 
@@ -18,46 +18,6 @@ namespace {
 using databaseFile::Failure;
 using databaseFile::Result;
 using schemaCheck::Finding;
-
-/// Why it failed, as the end of a sentence; null when it did not.
-QString reason(Failure failure) {
-  switch (failure) {
-    case Failure::none:
-      break;
-    case Failure::unreadable:
-      return QStringLiteral("ファイルを読み込めません。");
-    case Failure::exists:
-      return QStringLiteral("同じ名前のファイルが既にあります。");
-    case Failure::busy:
-      return QStringLiteral("データベースは使用中です。");
-    case Failure::chosenBusy:
-      return QStringLiteral("選択したファイルは他のプログラムが使用中です。");
-    case Failure::unwritable:
-      return QStringLiteral("ファイルを書き込めません。空き容量とアクセス権を確認して下さい。");
-  }
-  return {};
-}
-
-/// What speaks against a file that is to be restored; null when nothing does. Of one that cannot be
-/// read the restore itself tells.
-QString doubtAbout(const QString& chosen, Finding finding) {
-  if (finding == Finding::noDatabase) {
-    return QStringLiteral("「%1」はデータベースではないか、壊れています。").arg(chosen);
-  }
-  if (finding != Finding::tablesMissing) {
-    return {};
-  }
-  return QFileInfo(chosen).size() == 0
-             ? QStringLiteral("「%1」は空のファイルです。").arg(chosen)
-             : QStringLiteral("「%1」には必要な表や列がありません。").arg(chosen);
-}
-
-/// Where the data from before the restore are, as a sentence; null when none were kept.
-QString whereKept() {
-  const QFileInfo kept(databaseFile::beforeRestore(databasePath(mainBundle())));
-  return kept.exists() ? QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.filePath())
-                       : QString();
-}
 
 }  // namespace
 
@@ -113,7 +73,7 @@ void TrakkoAppDelegate::recoverFrom(const QString& path) {
 // Any file may be chosen; of one that is not a database of this program the user is told before it
 // takes the place.
 void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
-  const QString doubt = doubtAbout(path, finding);
+  const QString doubt = databaseWords::doubtAbout(path, finding);
   if (!doubt.isNull() &&
       !context_.dialogs->confirm(
           doubt + QStringLiteral("復元すると、今のランは表示されなくなります。今のデータは"
@@ -133,7 +93,7 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
       [this, path, doubt](const Result& result) {
         report(result,
                doubt.isNull() ? QStringLiteral("「%1」から復元しました。").arg(path)
-                              : whereKept() + doubt,
+                              : databaseWords::whereKept(databasePath(mainBundle())) + doubt,
                QStringLiteral("復元できませんでした"));
         startRefreshOfNewData();
         viewMonth->update();
@@ -180,5 +140,6 @@ void TrakkoAppDelegate::report(const Result& result, const QString& done, const 
     return;
   }
   qCWarning(lcDatabase).noquote() << failed << result.detail;
-  showStatus(failed + QStringLiteral("：") + reason(result.failure), Verdict::failure);
+  showStatus(failed + QStringLiteral("：") + databaseWords::reason(result.failure),
+             Verdict::failure);
 }

@@ -1,0 +1,118 @@
+#include "base/messenger.h"
+#include "cli/command.h"
+#include "cli/interruption.h"
+#include "cli/options.h"
+#include "data/bundle.h"
+#include "device/downloadWords.h"
+#include "device/udevRegistry.h"
+#include "device/watchDownload.h"
+
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the link has to say goes to standard error, as lines.
+class MessengerToOutput : public Messenger {
+ public:
+  explicit MessengerToOutput(Output& output) : output_(output) {}
+  void message(const QString& text) override { output_.message(text); }
+
+ private:
+  Output& output_;
+};
+
+DeviceEnvironment environmentFor(const QCommandLineParser& parser, Output& output) {
+  DeviceEnvironment environment;
+  environment.registry = parser.isSet(u"port"_s)
+                             ? std::make_shared<UdevRegistry>(parser.value(u"port"_s))
+                             : std::make_shared<UdevRegistry>();
+  environment.messenger = std::make_shared<MessengerToOutput>(output);
+  environment.lastDownloadPath = folderBeside(mainBundle()) + u"lastDownload.txt"_s;
+  return environment;
+}
+
+ExitCode codeOf(const DownloadOutcome& outcome) {
+  if (!outcome.linked || outcome.code == downloadResult::noAnswer) {
+    return ExitCode::noWatch;
+  }
+  const bool nothingNew = outcome.code == downloadResult::noRunCompleted && outcome.newRuns == 0;
+  const bool stored = outcome.code == downloadResult::stored && outcome.runsNotStored == 0;
+  return !outcome.cancelled && (stored || nothingNew) ? ExitCode::done : ExitCode::failed;
+}
+
+QJsonObject objectOf(const DownloadOutcome& outcome) {
+  return {{u"code"_s, outcome.code},
+          {u"newRuns"_s, outcome.newRuns},
+          {u"stored"_s, outcome.runsStored()},
+          {u"notStored"_s, outcome.runsNotStored},
+          {u"kept"_s, outcome.linesKept ? QJsonValue(outcome.keptPath) : QJsonValue()},
+          {u"keptForGood"_s,
+           outcome.lastingPath.isNull() ? QJsonValue() : QJsonValue(outcome.lastingPath)},
+          {u"cancelled"_s, outcome.cancelled}};
+}
+
+void showProgress(const DownloadProgress& progress, Output& output) {
+  output.progress(progress.stalled
+                      ? downloadWords::stalled()
+                      : u"%1 %2ブロック"_s.arg(downloadWords::running()).arg(progress.blocks));
+}
+
+/// Only what is stored and kept may be erased unasked.
+ExitCode erase(WatchDownload& download, const DownloadOutcome& outcome, Output& output) {
+  if (!outcome.isSafe()) {
+    output.message(u"保存されていないデータがあるため、時計のデータは消去しませんでした。"_s);
+    return ExitCode::failed;
+  }
+  const LinkObstacle obstacle = download.eraseWatch();
+  output.message(downloadWords::erased(obstacle));
+  return obstacle == LinkObstacle::none ? ExitCode::done : ExitCode::noWatch;
+}
+
+class DownloadCommand : public Command {
+ public:
+  QString name() const override { return u"download"_s; }
+  QString summary() const override { return u"時計からランをダウンロードして保存します。"_s; }
+  Needs needs() const override { return Needs::toChange; }
+
+  void declare(QCommandLineParser& parser) const override {
+    parser.addOptions({{u"erase"_s, u"すべて保存できたら、時計本体のデータを消去します。"_s},
+                       {u"port"_s, u"自動で見つからない時計のシリアルポート。"_s, u"NODE"_s}});
+  }
+
+  ExitCode run(const QCommandLineParser& parser, Output& output) const override {
+    options::noArguments(parser);
+    WatchDownload download(environmentFor(parser, output),
+                           [&output](const auto& progress) { showProgress(progress, output); });
+    DownloadOutcome outcome;
+    {
+      const Interruption interruption([&download] { download.cancel(); });
+      outcome = download.run();
+    }
+    tell(parser.isSet(u"json"_s), outcome, output);
+    const ExitCode code = codeOf(outcome);
+    return code == ExitCode::done && parser.isSet(u"erase"_s) ? erase(download, outcome, output)
+                                                              : code;
+  }
+
+ private:
+  static void tell(bool json, const DownloadOutcome& outcome, Output& output) {
+    if (json) {
+      output.json(QJsonDocument(objectOf(outcome)));
+    }
+    if (outcome.cancelled) {
+      output.message(u"ダウンロードを中止しました。何も保存していません。"_s);
+    } else if (!outcome.linked) {
+      output.message(downloadWords::obstacle(outcome.obstacle));
+    } else {
+      output.message(downloadWords::ending(outcome));
+    }
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Command> makeDownloadCommand() {
+  return std::make_unique<DownloadCommand>();
+}
