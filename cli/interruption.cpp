@@ -30,7 +30,8 @@ Interruption::Interruption(std::function<void()> act) {
     std::array<pollfd, 2> files{pollfd{wake_, POLLIN, 0}, pollfd{signals_, POLLIN, 0}};
     while (::poll(files.data(), files.size(), -1) < 0) {
     }
-    if (files[1].revents != 0) {
+    signalfd_siginfo taken{};  // one that nobody takes would end the process later
+    if (files[1].revents != 0 && ::read(signals_, &taken, sizeof taken) > 0) {
       act();
     }
   });

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
+#include <QLoggingCategory>
 #include <QTranslator>
 
 #include <algorithm>
@@ -106,6 +107,8 @@ int main(int argc, char* argv[]) {
   if (translator.load(u"qtbase_ja"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
     QCoreApplication::installTranslator(&translator);
   }
+  // Standard error is for the user; QT_LOGGING_RULES brings the log back.
+  QLoggingCategory::setFilterRules(u"trakko.*.info=false"_s);
   Output output;
   const ExitCode code = output.finish(guarded(QCoreApplication::arguments(), output));
   // As in the window, what still runs in a thread ends with the process.

@@ -81,14 +81,14 @@ class tst_profileLink : public QObject {
     QFETCH(QString, act);
     QFETCH(int, row);
     QFETCH(QString, onMap);
-    fixture_->controller->pointView->setFocus();
+    fixture_->controller->tView->setFocus();
     showRun(60);
     value(act);
     QTRY_COMPARE(chosenPoint(), row);
     QTRY_COMPARE(fixture_->map.calls.isEmpty() ? "" : fixture_->map.calls.last(),
                  onMap.isEmpty() ? "" : "marker_add_remover(" + onMap + ");");
     QTEST(value("element('values').hidden ? '' : element('values').textContent"), "values");
-    QVERIFY(fixture_->controller->pointView->hasFocus());
+    QVERIFY(fixture_->controller->tView->hasFocus());
   }
 
   void curveFollowsTheTables_data() {

@@ -44,7 +44,7 @@ class Shell {
   }
   /// Words separated by blanks; "@/" stands for the folder.
   Answer run(const QString& words) {
-    return end(start(QString(words).replace("@/", folder.in("")).split(' ')));
+    return end(start(QString(words).replace("@/", folder.directory.path() + "/").split(' ')));
   }
   Answer download(const EmulatedWatch& watch, const QStringList& more = {}) {
     return end(start(QStringList{"download", "--json", "--port", watch.path()} + more));
