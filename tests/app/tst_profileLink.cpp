@@ -162,13 +162,13 @@ class tst_profileLink : public QObject {
   void zoom() {
     showRun(60);
     auto* whole = pane_->findChild<QPushButton*>();
-    const QSignalSpy zooms(pane_->view, &ProfileView::zoomed);
-    value("act('pointerdown', 300); act('pointermove', 500); act('pointerup', 500);");
-    QTRY_VERIFY(whole->isEnabled());
     const QString labels =
         "[...document.querySelectorAll('.dygraph-axis-label-x')]"
         ".map(l => l.textContent).join()";
-    QVERIFY(value(labels).contains("0.2") && !value(labels).contains("0.0"));
+    const QString unzoomed = value(labels);
+    value("act('pointerdown', 300); act('pointermove', 500); act('pointerup', 500);");
+    QTRY_VERIFY(whole->isEnabled());
+    QVERIFY2(value(labels) != unzoomed && !value(labels).contains("0.0"), qPrintable(unzoomed));
     fixture_->controller->pointView->selectRow(59);  // comes into sight
     QVERIFY(!value("element('values').textContent").isEmpty());
     value("act('dblclick', 300);");
