@@ -34,6 +34,6 @@ TrackOverlay buildGoogleOverlay(const PointDictionary& pointDic, qint64 number,
 TrackOverlay buildGDOverlay(const PointDictionary& pointDic, qint64 number,
                             const QString& arrPointStr);
 
-/// Where buildGoogleOverlay() puts a point, "latitude,longitude" as script numbers; null for a point
-/// that it leaves out.
+/// Where buildGoogleOverlay() puts a point, "latitude,longitude" as script numbers; null for a
+/// point that it leaves out.
 QString googlePosition(const trackPointData& point);
