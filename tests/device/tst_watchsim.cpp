@@ -10,7 +10,6 @@
 #include <QTest>
 
 #include <algorithm>
-#include <tuple>
 
 namespace {
 
@@ -30,21 +29,6 @@ struct Client : SerialPort {
 
 QList<QByteArray> memoryOf(qint32 points) {
   return makeMemory({.seed = 7, .runs = 2, .pointsPerRun = points, .today = QDate(2014, 5, 17)});
-}
-
-/// What a watch with the small memory answers to the link and to the download command, and how many
-/// bytes it sent in all.
-std::tuple<QByteArray, QByteArray, qint64> talk(EmulatedWatchOptions options) {
-  options.memory = memoryOf(90);
-  options.fullSpeed = true;
-  EmulatedWatch watch(options);
-  if (!watch.start().isNull()) {
-    return {};
-  }
-  Client port(watch);
-  const QByteArray linkAnswer = port.ask(linkCommand, 36, 200);
-  const QByteArray download = port.ask(downloadCommand, 100'000, 200);
-  return {linkAnswer, download, watch.bytesSent()};
 }
 
 }  // namespace
@@ -78,26 +62,6 @@ class tst_watchsim : public QObject {
       QCOMPARE(last.T_PointDistance, run.T_RunDistance);
       QVERIFY(run.T_RunEndTime.endsWith(last.T_PointTime));
     }
-  }
-
-  void misbehaviour() {
-    const QByteArray data = memoryOf(90).join();
-    const QByteArray& end = endMarkerBlock();
-    const QByteArray& linked = identityBlock();
-    const QList<std::tuple<EmulatedWatchOptions, QByteArray, QByteArray>> rows{
-        {{.isSilent = true}, "", ""},
-        {{.answersLink = false}, "", data + end},
-        {{.sendsEndMarker = false}, linked, data},
-        {{.onlyBlocks = 2}, linked, data.first(72) + end}};
-    for (const auto& [options, linkAnswer, download] : rows) {
-      QVERIFY(talk(options) == std::tuple(linkAnswer, download, (linkAnswer + download).size()));
-    }
-    const QByteArray garbage = std::get<1>(talk({.sendsGarbage = true}));
-    QCOMPARE(garbage.size(), (data + end).size());
-    QVERIFY(garbage.endsWith(end) && garbage.first(72) != data.first(72));
-    const auto [linkAnswer, download, sent] = talk({.hangUpAfter = 1000});
-    QVERIFY(data.startsWith(download));  // what was not read yet when the line went dead is lost
-    QCOMPARE(sent, 36 + 1000);
   }
 
   void commandsAreFoundInAnyStream() {
