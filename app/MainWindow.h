@@ -30,6 +30,7 @@ class MainWindow : public QMainWindow {
   /// `controller` must outlive the window. The map pane stays empty until setMapWidget().
   explicit MainWindow(TrakkoAppDelegate* controller);
   ~MainWindow() override;
+  Q_DISABLE_COPY_MOVE(MainWindow)
 
   /// Puts the map into its pane; the window takes ownership.
   void setMapWidget(QWidget* map);

@@ -108,7 +108,7 @@ int main(int argc, char* argv[]) {
     QCoreApplication::installTranslator(&translator);
   }
   // Standard error is for the user; QT_LOGGING_RULES brings the log back.
-  QLoggingCategory::setFilterRules(u"trakko.*.info=false"_s);
+  QLoggingCategory::setFilterRules(u"trakko.*.info=false\ntrakko.*.warning=false"_s);
   Output output;
   const ExitCode code = output.finish(guarded(QCoreApplication::arguments(), output));
   // As in the window, what still runs in a thread ends with the process.
