@@ -26,7 +26,7 @@ PageSettings TrakkoAppDelegate::pageSettings() const {
 }
 
 QString TrakkoAppDelegate::gethtmlStr() const {
-  const QString page = ::gethtmlStr(pageSettings());
+  QString page = ::gethtmlStr(pageSettings());
   qCInfo(lcMap).noquote() << page;
   return page;
 }

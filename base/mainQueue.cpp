@@ -1,7 +1,8 @@
 #include "base/mainQueue.h"
 
+#include "base/mainThreadWork.h"
+
 #include <QCoreApplication>
-#include <QMetaObject>
 
 #include <deque>
 #include <mutex>
@@ -45,9 +46,11 @@ void drain() {
 
 }  // namespace
 
+// The work waits in a list of our own, one event for each: what a thread wrote before is then
+// handed over by a lock that every checker of threads can see.
 void performOnMainThread(std::function<void()> work) {
   if (QCoreApplication* application = QCoreApplication::instance()) {
-    QMetaObject::invokeMethod(application, std::move(work), Qt::QueuedConnection);
+    MainThreadWork::of(*application).add(std::move(work));
   }
 }
 

@@ -15,7 +15,6 @@ namespace {
 
 const QByteArray linkCommand = QByteArray("\xEE\xEE").leftJustified(32, '\0');
 const QByteArray downloadCommand = QByteArray("\x08\x08\xAA\xAA").leftJustified(32, '\0');
-const QByteArray eraseCommand = QByteArray("\xFF\xFD").rightJustified(32, '\0');
 
 /// The program's side of the line.
 struct Client : SerialPort {
@@ -61,23 +60,6 @@ class tst_watchsim : public QObject {
       const trackPointData last = batch.pointMD.value(key + "-00060");
       QCOMPARE(last.T_PointDistance, run.T_RunDistance);
       QVERIFY(run.T_RunEndTime.endsWith(last.T_PointTime));
-    }
-  }
-
-  void commandsAreFoundInAnyStream() {
-    const QByteArray stream = "\xEE" + linkCommand + downloadCommand.first(16) +
-                              QByteArray("\xFF\xFF\xFF\xFF").leftJustified(32, '\0') +
-                              eraseCommand + "noise" +
-                              QByteArray("AGPSST").leftJustified(32, '\0') + downloadCommand;
-    for (const qsizetype piece : {1, 5, 32, 33, 1000}) {
-      CommandReader reader;
-      QStringList found;
-      for (qsizetype i = 0; i < stream.size(); i += piece) {
-        for (const WatchCommand command : reader.take(stream.mid(i, piece))) {
-          found << nameOf(command);
-        }
-      }
-      QCOMPARE(found.join(' '), "unknown link unknown disconnect erase unknown agps download");
     }
   }
 
