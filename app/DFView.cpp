@@ -114,9 +114,9 @@ void DFView::drawRect(const QRectF& /*dirtyRect*/) {
   const Components first = dateComponent(currentDay);
   const QString title = monthTitle(first);
   texts_.draw(painter, title, calendarMonth::titleOrigin, dayStyle, Qt::white);
+  drawn_ = stamp();  // before the questions: what is stored during them is drawn next time
   const QStringList runDays = drawDays(painter, first);
   drawFocus(painter);
-  drawn_ = stamp();
   setAccessibleDescription(
       runDays.isEmpty() ? title : title + u" 記録のある日: "_s + runDays.join(u", "_s));
 }

@@ -210,7 +210,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   /// What is being read now no longer counts.
   void forgetLoads();
   PageSettings pageSettings() const;
-  void oneDeleted(qint32 result);
+  void oneDeleted(qint64 number, qint32 result);
   void allDeleted(qint32 result);
   void reportDeletion(qint32 result);
 

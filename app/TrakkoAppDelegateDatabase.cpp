@@ -121,7 +121,7 @@ void TrakkoAppDelegate::startFileWork(const QString& line,
       });
     }
   };
-  detachThread("database-file", [this, watcher, work = std::move(work), done = std::move(done)] {
+  const auto task = [this, watcher, work = std::move(work), done = std::move(done)] {
     const auto result = std::make_shared<Result>(Result{Failure::unreadable, {}});
     const auto atAnyEnd = qScopeGuard([&] {
       performOnMainThread([this, result, done] {
@@ -130,7 +130,8 @@ void TrakkoAppDelegate::startFileWork(const QString& line,
       });
     });
     *result = work(watcher);
-  });
+  };
+  fileWorkRuns_ = detachThread("database-file", task);
 }
 
 // Neither command shows a box for its result; it stands in the line at the bottom and in the log.

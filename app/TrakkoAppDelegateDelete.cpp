@@ -4,23 +4,24 @@
 #include "app/TrakkoAppDelegate.h"
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
+#include "base/text.h"
 #include "data/dataControl.h"
 
 void TrakkoAppDelegate::deleteOneData() {
   // While the question stands, a download may end and choose another run.
   const qint64 number = currentNumber;
-  if (runViewData.empty() || number <= 0 ||
+  if (fileWorkRuns() || runViewData.empty() || number <= 0 ||
       !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
   detachThread("delete", [this, number] {
     const qint32 result = dataControl().deleteOneData(number);
-    performOnMainThread([this, result] { oneDeleted(result); });
+    performOnMainThread([this, number, result] { oneDeleted(number, result); });
   });
 }
 
 void TrakkoAppDelegate::deleteAllData() {
-  if (runViewData.empty() ||
+  if (fileWorkRuns() || runViewData.empty() ||
       !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
@@ -30,8 +31,9 @@ void TrakkoAppDelegate::deleteAllData() {
   });
 }
 
-void TrakkoAppDelegate::oneDeleted(qint32 result) {
-  if (runViewData.size() <= 1) {
+void TrakkoAppDelegate::oneDeleted(qint64 number, qint32 result) {
+  // Another delete or a download may have changed what is shown meanwhile.
+  if (runViewData.size() <= 1 && text::toInteger(runKArr.value(0)) == number) {
     allDeleted(result);
     return;
   }

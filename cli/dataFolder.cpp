@@ -10,7 +10,7 @@
 using namespace Qt::StringLiterals;
 
 QString defaultDataFolder() {
-  const QString own = QCoreApplication::applicationDirPath() + u'/';
+  QString own = QCoreApplication::applicationDirPath() + u'/';
   if (QFile::exists(own + u"Trakko.app/Contents/Info.plist"_s)) {
     return own;
   }

@@ -108,7 +108,10 @@ class ReplayCommand : public Command {
                                             {u"notStored"_s, outcome.runsNotStored}}));
     }
     output.message(downloadWords::replayed(outcome));
-    const bool complete = outcome.error.isNull() && !outcome.wouldMix && outcome.runsNotStored == 0;
+    const bool hasRuns =
+        outcome.code == downloadResult::stored || outcome.code == downloadResult::noRunCompleted;
+    const bool complete =
+        hasRuns && outcome.error.isNull() && !outcome.wouldMix && outcome.runsNotStored == 0;
     return complete ? ExitCode::done : ExitCode::failed;
   }
 };

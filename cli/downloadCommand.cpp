@@ -34,12 +34,16 @@ DeviceEnvironment environmentFor(const QCommandLineParser& parser, Output& outpu
 }
 
 ExitCode codeOf(const DownloadOutcome& outcome) {
+  if (outcome.cancelled) {
+    return ExitCode::failed;
+  }
   if (!outcome.linked || outcome.code == downloadResult::noAnswer) {
     return ExitCode::noWatch;
   }
-  const bool nothingNew = outcome.code == downloadResult::noRunCompleted && outcome.newRuns == 0;
+  const bool nothingNew = outcome.code == downloadResult::noRecords ||
+                          (outcome.code == downloadResult::noRunCompleted && outcome.newRuns == 0);
   const bool stored = outcome.code == downloadResult::stored && outcome.runsNotStored == 0;
-  return !outcome.cancelled && (stored || nothingNew) ? ExitCode::done : ExitCode::failed;
+  return (stored || nothingNew) && outcome.shortBlocks == 0 ? ExitCode::done : ExitCode::failed;
 }
 
 QJsonObject objectOf(const DownloadOutcome& outcome) {
@@ -62,7 +66,8 @@ void showProgress(const DownloadProgress& progress, Output& output) {
 /// Only what is stored and kept may be erased unasked.
 ExitCode erase(WatchDownload& download, const DownloadOutcome& outcome, Output& output) {
   if (!outcome.isSafe()) {
-    output.message(u"保存されていないデータがあるため、時計のデータは消去しませんでした。"_s);
+    output.message(
+        u"すべてが確実に保存されたとは言えないため、時計のデータは消去しませんでした。"_s);
     return ExitCode::failed;
   }
   const LinkObstacle obstacle = download.eraseWatch();

@@ -43,5 +43,8 @@ Interruption::~Interruption() {
   ::close(wake_);
   ::close(signals_);
   const sigset_t set = endingSignals();
+  const timespec atOnce{};
+  while (::sigtimedwait(&set, nullptr, &atOnce) > 0) {  // further ones mean the same
+  }
   pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }

@@ -97,6 +97,7 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   qint64 cnumber = 0;           ///< Activity number in hand.
   qsizetype newRuns = 0;        ///< Runs that the headers announced and that were not stored yet.
   qsizetype runsNotStored = 0;  ///< How many of these are still not in the database.
+  qsizetype knownRuns = 0;      ///< How many runs of the download were stored before.
 
   // Where the lines of the last download are when the watch is erased.
 

@@ -75,6 +75,7 @@ void usbOperating::forgetLastDownload() {
   lastingPath = QString();
   newRuns = 0;
   runsNotStored = 0;
+  knownRuns = 0;
   shortBlocks = 0;
   endless = false;
 }
@@ -124,9 +125,11 @@ void usbOperating::keepLines() {
 }
 
 /// Once the watch is erased, what was not stored, or not received whole, exists only in the kept
-/// lines: the next download must not replace them.
+/// lines: the next download must not replace them. The same goes for several new runs among known
+/// ones, whose points go by their place among the new.
 void usbOperating::keepDoubtfulLines(const QDateTime& end) {
-  if (runsNotStored == 0 && shortBlocks == 0) {
+  const bool mixed = knownRuns > 0 && newRuns > 1;
+  if (runsNotStored == 0 && shortBlocks == 0 && !mixed) {
     return;
   }
   qCCritical(lcProtocol, "%lld of %lld runs not stored, %d blocks short",

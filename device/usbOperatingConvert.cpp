@@ -18,5 +18,6 @@ qint32 usbOperating::convertChstr() {
   cnumber = stored.decoded.cnumber;
   newRuns = stored.decoded.newStarts.size();
   runsNotStored = stored.runsNotStored;
+  knownRuns = stored.decoded.knownRuns;
   return stored.code;
 }

@@ -12,7 +12,9 @@ constexpr std::chrono::milliseconds toldEvery{100};
 
 bool DownloadOutcome::isSafe() const {
   const bool wholly = code == downloadResult::stored || code == downloadResult::noRunCompleted;
-  return linked && !cancelled && wholly && runsNotStored == 0 && shortBlocks == 0 && linesKept;
+  const bool mixed = knownRuns > 0 && newRuns > 1;
+  return linked && !cancelled && wholly && runsNotStored == 0 && !mixed && shortBlocks == 0 &&
+         linesKept;
 }
 
 WatchDownload::WatchDownload(const DeviceEnvironment& environment, Progress progress)
@@ -40,6 +42,7 @@ DownloadOutcome WatchDownload::run() {
   outcome.cancelled = usb->cancelled && outcome.code == downloadResult::notStored;
   outcome.newRuns = usb->newRuns;
   outcome.runsNotStored = usb->runsNotStored;
+  outcome.knownRuns = usb->knownRuns;
   outcome.shortBlocks = usb->shortBlocks;
   outcome.endless = usb->endless;
   outcome.linesKept = usb->linesKept;

@@ -27,6 +27,7 @@ struct DownloadOutcome {
   qint32 code = downloadResult::notStored;
   qsizetype newRuns = 0;        ///< Runs that were not stored before.
   qsizetype runsNotStored = 0;  ///< How many of these could not be stored.
+  qsizetype knownRuns = 0;      ///< Runs that were stored before.
   qsizetype shortBlocks = 0;    ///< Blocks that came only in part.
   bool endless = false;         ///< Given up: far more blocks than a watch holds, and no end.
   bool linesKept = false;       ///< The lines are in `keptPath`, until the next download.
@@ -35,7 +36,8 @@ struct DownloadOutcome {
 
   qsizetype runsStored() const { return newRuns - runsNotStored; }
   /// Everything that the watch sent is in the database, and its lines are kept: the watch may be
-  /// erased unasked.
+  /// erased unasked. Not so with several new runs among known ones: their points go by their place
+  /// among the new, so some may have gone to the wrong run.
   bool isSafe() const;
 };
 

@@ -10,14 +10,14 @@ run_packages="build-essential cmake ninja-build pkg-config
   libsqlite3-dev libudev-dev libpugixml-dev libjs-leaflet libjs-dygraphs
   fonts-noto-cjk fonts-dejavu-core"
 test_packages="libbenchmark-dev libumockdev-dev umockdev sqlite3 gpsbabel xvfb xauth
-  libxml2-utils desktop-file-utils appstream locales"
+  libxml2-utils desktop-file-utils appstream locales man-db"
 
 case ${1:-run} in
   run) wanted=$run_packages ;;
   test) wanted="$run_packages $test_packages" ;;
-  lint) wanted="$run_packages $test_packages clang-format clang-tidy" ;;
+  lint) wanted="$run_packages $test_packages clang-format clang-tidy git" ;;
   fuzz) wanted="$run_packages $test_packages clang libclang-rt-14-dev" ;;
-  faults) wanted="$run_packages $test_packages strace" ;;
+  faults) wanted="$run_packages $test_packages strace procps" ;;
   *) echo "usage: $0 [run|test|lint|fuzz|faults]" >&2; exit 2 ;;
 esac
 

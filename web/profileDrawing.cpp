@@ -70,7 +70,8 @@ QJsonArray pausesOf(const RunProfile& run, ProfileAxis axis) {
 }
 
 QString clockText(double seconds) {
-  const auto whole = static_cast<qint64>(seconds);
+  constexpr double longest = 1e9;  // a stranger's file may hold any
+  const auto whole = static_cast<qint64>(std::clamp(seconds, 0.0, longest));
   return text::padded(whole / 3600, 2) + u':' + text::padded(whole / 60 % 60, 2) + u':' +
          text::padded(whole % 60, 2);
 }
