@@ -50,7 +50,8 @@ Finding isTable(sqlite3* connection, const char* table) {
 
 /// The names of the columns that the table stores, in their order and in lower case; one that is
 /// computed instead counts as no name.
-Finding readColumns(sqlite3* connection, QByteArray table, std::vector<QByteArray>& columns) {
+Finding readColumns(sqlite3* connection, const QByteArray& table,
+                    std::vector<QByteArray>& columns) {
   constexpr int name = 1;
   constexpr int hidden = 6;
   const QByteArray sql = "PRAGMA main.table_xinfo(" + table + ')';

@@ -100,7 +100,7 @@ QString message(qint32 code) {
 }
 
 QString warning(const DownloadOutcome& outcome) {
-  const QString lost = losses(outcome);
+  QString lost = losses(outcome);
   if (!lost.isNull() || outcome.linesKept) {
     return lost;
   }
@@ -120,7 +120,7 @@ QString ending(const DownloadOutcome& outcome) {
     return QStringLiteral("時計のデータが終わらないため、受信を打ち切りました。") +
            keptLines(outcome);
   }
-  const QString lost = losses(outcome);
+  QString lost = losses(outcome);
   switch (outcome.code) {
     case downloadResult::stored:
       return lost.isNull() ? storedRuns(outcome.runsStored()) : lost;

@@ -119,8 +119,8 @@ QString usbOperating::openNode(const QString& node, qint32 baud) {
   lineLost_ = false;
   auto port = std::make_shared<SerialPort>();
   const bool claimed = PortTable::instance().claim(node, shared_from_this(), session_.lock());
-  const QString error = claimed ? port->open(node, baud)
-                                : QStringLiteral("Error: couldn't obtain lock on serial port");
+  QString error = claimed ? port->open(node, baud)
+                          : QStringLiteral("Error: couldn't obtain lock on serial port");
   if (!error.isNull()) {
     linkObstacle = claimed ? obstacleOf(port->openError) : LinkObstacle::conversing;
     qCWarning(lcDetection, "%s (%s)", qUtf8Printable(error), qUtf8Printable(node));
