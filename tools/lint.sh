@@ -1,8 +1,10 @@
 #!/bin/sh
-# Checks formatting (clang-format) and code (clang-tidy) of all sources. Takes a build directory
-# that holds compile_commands.json; build/debug by default.
+# Checks formatting (clang-format) of all sources and code (clang-tidy) of all, or of those in the
+# folders named behind the build directory. That one holds compile_commands.json; build/debug by
+# default.
 set -eu
 cd "$(dirname "$0")/.."
 build=${1:-build/debug}
+[ $# -eq 0 ] || shift
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
-git ls-files '*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy -quiet -p "$build"
+for folder in "${@:-.}"; do git ls-files "$folder" | grep '\.cpp$' || true; done | xargs -P "$(nproc)" -n 4 clang-tidy -quiet -p "$build"
