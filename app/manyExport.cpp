@@ -5,34 +5,13 @@
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "base/text.h"
+#include "export/exportWords.h"
 
 #include <QProgressDialog>
 
 #include <exception>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString reasonFor(ExportFailure failure) {
-  switch (failure) {
-    case ExportFailure::NotRead:
-      return u"読み出せません"_s;
-    case ExportFailure::NoSuchRun:
-      return u"ランがありません"_s;
-    case ExportFailure::NoStartTime:
-      return u"開始日時がありません"_s;
-    case ExportFailure::TooFewPoints:
-      return u"位置データが足りません"_s;
-    case ExportFailure::NotWritten:
-      return u"書き込めません"_s;
-    case ExportFailure::None:
-      break;
-  }
-  return {};
-}
-
-}  // namespace
 
 ManyExport::ManyExport(QWidget* window, StatusLine* line)
     : QObject(window), window_(window), line_(line) {}
@@ -112,10 +91,10 @@ QString outcomeOf(const ManyRunsResult& result, const QString& folder,
   if (!result.failed.isEmpty()) {
     QStringList failed;
     for (const ManyRunsResult::Failed& run : result.failed) {
-      failed << u"%1 (%2)"_s.arg(names.value(run.number), reasonFor(run.failure));
+      failed << u"%1 (%2)"_s.arg(names.value(run.number), exportWords::reason(run.failure));
     }
-    parts.prepend(
-        u"%1件を書き出せませんでした: %2。"_s.arg(failed.size()).arg(failed.join(u", "_s)));
+    // Behind the folder: the line opens the first path in it, and a name comes from the database.
+    parts << u"%1件を書き出せませんでした: %2"_s.arg(failed.size()).arg(failed.join(u" "_s));
   }
   if (result.cancelled) {
     parts.prepend(u"途中で中止しました。"_s);
