@@ -3,6 +3,7 @@
 #include "data/bundle.h"
 #include "data/connection.h"
 #include "data/schema.h"
+#include "data/schemaCheck.h"
 
 #include <QFile>
 
@@ -79,7 +80,9 @@ void dataControl::createDB() {
   // and has been waited for already.
   if (result == SQLITE_ERROR) {
     prepareToWrite();
-    madeTables_ = makeTables(usable());
+    // "If not exists" passes over a view of that name, too.
+    madeTables_ =
+        makeTables(usable()) && schemaCheck::check(usable()) == schemaCheck::Finding::complete;
   }
   // `db` stays set: an object that had to make the tables is dead until its close_db().
   connection_.reset();
