@@ -148,6 +148,7 @@ void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
   if (work_->hand({++work_->newest, wanted}) &&
       !detachThread("loader", [work = work_] { Work::run(work); })) {
     work_->giveUp();
+    work_->receiver = nullptr;  // the same run may be asked for again
   }
 }
 

@@ -123,7 +123,7 @@ void WebPageHost::comeBack(const char* reason) {
 void WebPageHost::evaluate(const QString& script) {
   if (isThere_) {
     page_->runJavaScript(script);
-  } else {
+  } else if (lostNote_->isHidden()) {  // nothing waits for a page that was given up
     waiting_.append(script);
   }
 }
