@@ -22,6 +22,7 @@ ColumnFitter::ColumnFitter(QTableView* table, QStringList widestTexts)
 
 std::vector<int> ColumnFitter::chosenWidths() const {
   std::vector<int> widths;
+  widths.reserve(static_cast<std::size_t>(widestTexts_.size()));
   for (int section = 0; section < widestTexts_.size(); ++section) {
     widths.push_back(chosen_.value(section));
   }

@@ -65,7 +65,7 @@ QString fileProblem(const QString& path) {
         .arg(path);
   }
   const dataControl tables;  // made where there are none
-  const QString problem = info.exists() ? contentProblem(path) : QString();
+  QString problem = info.exists() ? contentProblem(path) : QString();
   if (problem.isNull() && info.exists() && !info.isWritable()) {
     return QStringLiteral(
                "データベース「%1」は読み取り専用です。ダウンロードや消去は保存されません。")

@@ -146,5 +146,5 @@ QString elidedLine(const QString& line, const QFontMetrics& metrics, int width) 
     const int room = std::max(width - others, fewest * metrics.averageCharWidth());
     fitting.replace(path, metrics.elidedText(path, Qt::ElideMiddle, room));
   }
-  return metrics.elidedText(shortened(fitting, 2 * 300), Qt::ElideRight, width);
+  return metrics.elidedText(shortened(fitting, 600), Qt::ElideRight, width);
 }

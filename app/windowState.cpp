@@ -16,7 +16,7 @@ namespace {
 
 std::vector<int> numbersIn(const QJsonValue& value) {
   std::vector<int> numbers;
-  for (const QJsonValue& number : value.toArray()) {
+  for (const auto& number : value.toArray()) {
     numbers.push_back(number.toInt());
   }
   return numbers;

@@ -63,7 +63,7 @@ void waitFor(const std::function<bool()>& condition) {
 void downloadToScreen(benchmark::State& state) {
   const MemoryOptions content{.runs = 6, .pointsPerRun = static_cast<qint32>(state.range(0))};
   const QList<QByteArray> memory = makeMemory(content);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     QTemporaryDir folder;
     setMainBundle({folder.filePath(QStringLiteral("Trakko.app")), QStringLiteral("Trakko")});
     EmulatedWatch watch({.memory = memory, .fullSpeed = true});

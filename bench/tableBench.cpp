@@ -65,7 +65,7 @@ void fillPointsTable(benchmark::State& state) {
   controller.currentNumber = number;
   controller.pointDic = makePoints(static_cast<int>(state.range(0)));
   double longestGap = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     controller.pointViewData.clear();
     qobject_cast<TableModel*>(controller.pointView->model())->reload();
     QApplication::processEvents();
@@ -88,6 +88,7 @@ void copyTexts(benchmark::State& state) {
   const auto rows = pointRows(makePoints(static_cast<int>(state.range(0))), number);
   for (auto _ : state) {
     std::vector<pViewData> copy;
+    copy.reserve(rows.size());
     for (const pViewData& row : rows) {
       copy.push_back(row);
     }
