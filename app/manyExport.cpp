@@ -8,8 +8,7 @@
 #include "export/exportWords.h"
 
 #include <QProgressDialog>
-
-#include <exception>
+#include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
 
@@ -24,7 +23,16 @@ void ManyExport::start(const ManyRuns& runs, const QString& offset,
   goesOn_ = std::make_shared<std::atomic<bool>>(true);
   names_ = names;
   showProgress(runs.numbers.size());
-  detachThread("export", [self = QPointer<ManyExport>(this), runs, offset, goesOn = goesOn_] {
+  const auto task = [self = QPointer<ManyExport>(this), runs, offset, goesOn = goesOn_] {
+    const auto result = std::make_shared<ManyRunsResult>();
+    result->cancelled = true;
+    const auto atAnyEnd = qScopeGuard([&] {
+      performOnMainThread([self, result, folder = runs.folder] {
+        if (self != nullptr) {
+          self->finish(*result, folder);
+        }
+      });
+    });
     const auto tell = [&](qsizetype done) {
       performOnMainThread([self, done] {
         if (self != nullptr && self->progress_ != nullptr) {
@@ -33,18 +41,11 @@ void ManyExport::start(const ManyRuns& runs, const QString& offset,
       });
       return goesOn->load();
     };
-    ManyRunsResult result;
-    try {
-      result = exportMany(runs, offset, tell);
-    } catch (const std::exception&) {
-      result.cancelled = true;
-    }
-    performOnMainThread([self, result, folder = runs.folder] {
-      if (self != nullptr) {
-        self->finish(result, folder);
-      }
-    });
-  });
+    *result = exportMany(runs, offset, tell);
+  };
+  if (!detachThread("export", task)) {
+    end();
+  }
 }
 
 void ManyExport::showProgress(qsizetype all) {
@@ -59,11 +60,15 @@ void ManyExport::showProgress(qsizetype all) {
   progress_->show();
 }
 
-void ManyExport::finish(const ManyRunsResult& result, const QString& folder) {
+void ManyExport::end() {
   goesOn_.reset();
   if (progress_ != nullptr) {
     progress_->close();
   }
+}
+
+void ManyExport::finish(const ManyRunsResult& result, const QString& folder) {
+  end();
   const bool isDone = result.failed.isEmpty() && !result.cancelled;
   line_->tell(outcomeOf(result, folder, names_), isDone ? Verdict::done : Verdict::failure);
 }

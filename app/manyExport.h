@@ -31,6 +31,7 @@ class ManyExport : public QObject {
 
  private:
   void showProgress(qsizetype all);
+  void end();
   void finish(const ManyRunsResult& result, const QString& folder);
 
   QWidget* window_;

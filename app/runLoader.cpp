@@ -5,6 +5,7 @@
 #include "data/dataControl.h"
 
 #include <QLoggingCategory>
+#include <QScopeGuard>
 
 #include <exception>
 #include <mutex>
@@ -125,6 +126,7 @@ void RunLoader::Work::answer(int id, LoadedTrack& track) {
 }
 
 void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
+  auto onFailure = qScopeGuard([&work] { work->giveUp(); });
   while (const std::optional<Job> job = work->takeJob()) {
     auto track = readOrFail([&work] { return work->isSuperseded(); }, job->wanted, work->runs);
     if (track) {
@@ -134,6 +136,7 @@ void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
           });
     }
   }
+  onFailure.dismiss();
 }
 
 RunLoader::RunLoader() : work_(std::make_shared<Work>()) {}

@@ -53,6 +53,8 @@ void tellFailure(const char* name) noexcept {
   }
 }
 
+}  // namespace
+
 void runGuarded(const char* name, const std::function<void()>& work) noexcept {
   try {
     work();
@@ -60,8 +62,6 @@ void runGuarded(const char* name, const std::function<void()>& work) noexcept {
     tellFailure(name);
   }
 }
-
-}  // namespace
 
 bool detachThread(const char* name, std::function<void()> work) {
   ++running;

@@ -11,6 +11,10 @@
 /// Both are logged and told to the observer.
 bool detachThread(const char* name, std::function<void()> work);
 
+/// Runs `work` in this thread; an exception that leaves it is logged and told to the observer like
+/// one that ends a thread. Any thread.
+void runGuarded(const char* name, const std::function<void()>& work) noexcept;
+
 /// Who is told of threads that failed, by name and reason, on the failing thread; an empty function
 /// for nobody. One observer in the process. Any thread.
 void observeThreadFailures(std::function<void(const QString& thread, const QString& reason)> told);

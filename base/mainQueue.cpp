@@ -1,5 +1,6 @@
 #include "base/mainQueue.h"
 
+#include "base/detachThread.h"
 #include "base/mainThreadWork.h"
 
 #include <QCoreApplication>
@@ -39,7 +40,7 @@ void drain() {
   }
   queue.draining = true;
   while (const std::function<void()> block = takeNext()) {
-    block();
+    runGuarded("main queue", block);  // the blocks behind it wait for the end of this one
   }
   queue.draining = false;
 }

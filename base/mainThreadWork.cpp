@@ -1,5 +1,7 @@
 #include "base/mainThreadWork.h"
 
+#include "base/detachThread.h"
+
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QThread>
@@ -33,5 +35,5 @@ void MainThreadWork::doNext() {
     next = std::move(waiting_.front());
     waiting_.pop_front();
   }
-  next();
+  runGuarded("main", next);  // the event loop lets no exception through
 }
