@@ -40,12 +40,25 @@ HeldDatabase::HeldDatabase(const QString& path, Against against) {
   runNothingStored(opened);
   sqlite3_file_control(opened, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
   // In an empty file, a writing transaction begins with a journal; there is nothing to protect.
-  const bool againstWriters = against == Against::writers && size() > 0;
+  const bool writable = size() > 0;
   result_ = mergeLog(opened, against);
   if (result_ == SQLITE_OK) {
-    const char* const beginning = againstWriters ? beginWriting : beginReading;
-    result_ = sqlite3_exec(opened, beginning, nullptr, nullptr, nullptr);
+    result_ = against == Against::writers && writable ? begin(beginWriting) : hold(writable);
   }
+}
+
+int HeldDatabase::begin(const char* beginning) {
+  return sqlite3_exec(connection_.get(), beginning, nullptr, nullptr, nullptr);
+}
+
+// A transaction that meets a reader at its end keeps new readers out until that one has finished,
+// and a copy takes its time. One that cannot begin meanwhile disturbs nobody. Where it has begun
+// already, or the file is only readable, reading has to do.
+int HeldDatabase::hold(bool writable) {
+  sqlite3_busy_timeout(connection_.get(), 0);
+  const bool held = writable && begin(beginWriting) == SQLITE_OK;
+  sqlite3_busy_timeout(connection_.get(), busyLimit);
+  return held ? SQLITE_OK : begin(beginReading);
 }
 
 QString HeldDatabase::message() const {

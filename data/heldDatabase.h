@@ -15,7 +15,7 @@ struct sqlite3_file;
 class HeldDatabase {
  public:
   enum class Against {
-    changes,  ///< Others may prepare a transaction but not finish it.
+    changes,  ///< Others may read; a transaction that has begun before may not be finished.
     writers,  ///< Others may read, and no transaction can be begun.
   };
 
@@ -38,6 +38,9 @@ class HeldDatabase {
   bool read(char* bytes, int count, qint64 offset) const;
 
  private:
+  int begin(const char* beginning);
+  int hold(bool writable);
+
   Connection connection_;
   sqlite3_file* file_ = nullptr;  // belongs to the connection
   int result_;
