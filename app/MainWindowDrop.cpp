@@ -38,5 +38,11 @@ void MainWindow::dropEvent(QDropEvent* event) {
   event->accept();
   // The program that the file comes from waits until this returns, not until a question is
   // answered.
-  mainQueue::post([controller = controller_, path] { controller->recoverFrom(path); });
+  // A file that slips from the pointer must not replace the runs.
+  mainQueue::post([controller = controller_, path] {
+    controller->recoverFrom(path,
+                            QStringLiteral("「%1」から復元しますか？今のデータは別のファイルに"
+                                           "残ります。")
+                                .arg(path));
+  });
 }

@@ -166,9 +166,10 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void saveGPXFile();
   void BackupData();
   void RecoverData();
-  /// Restores the database from the file `path`, after a question when that is not one of this
-  /// program's databases. Returns at once; the line at the bottom tells the result.
-  void recoverFrom(const QString& path);
+  /// Restores the database from the file `path`: after `question`, if there is one, or after one of
+  /// its own when that is not one of this program's databases. Returns at once; the line at the
+  /// bottom tells the result.
+  void recoverFrom(const QString& path, const QString& question = {});
   /// The current run as a TCX document, whatever the number given; null when there is none.
   QByteArray convertTCX(qint64 number);
   QByteArray convertGPX(const QString& startStamp);
@@ -186,6 +187,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
   void takePointRows(std::vector<pViewData> rows);
   void clearTables();
+  void loadFailed(int load, bool ofNewData);
   void tellUnreadable(bool ofNewData);
   void takeDownload(const std::shared_ptr<WatchDownload>& download, const DownloadOutcome& outcome);
   void downloadEnded();
@@ -194,7 +196,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void showProgressValue(double value);
   void showStatus(const QString& line, Verdict verdict = Verdict::note);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
-  void askAndRestore(const QString& path, schemaCheck::Finding finding);
+  void askAndRestore(const QString& path, const QString& question, const QString& doubt);
   /// Whether a backup or restore is under way; the user is told then.
   bool fileWorkRuns();
   /// Does `work` on a thread of its own, with `line` and how far it got shown meanwhile, and then

@@ -53,7 +53,7 @@ void TrakkoAppDelegate::RecoverData() {
   }
 }
 
-void TrakkoAppDelegate::recoverFrom(const QString& path) {
+void TrakkoAppDelegate::recoverFrom(const QString& path, const QString& question) {
   if (fileWorkRuns()) {
     return;
   }
@@ -64,21 +64,24 @@ void TrakkoAppDelegate::recoverFrom(const QString& path) {
         *finding = databaseFile::inspect(path);
         return Result{};
       },
-      [this, path, finding](const Result&) {
+      [this, path, question, finding](const Result&) {
         // Behind a question that stands, such as the one after a download.
-        mainQueue::post([this, path, finding] { askAndRestore(path, *finding); });
+        mainQueue::post([this, path, question, doubt = databaseWords::doubtAbout(path, *finding)] {
+          askAndRestore(path, question, doubt);
+        });
       });
 }
 
 // Any file may be chosen; of one that is not a database of this program the user is told before it
 // takes the place.
-void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
-  const QString doubt = databaseWords::doubtAbout(path, finding);
-  if (!doubt.isNull() &&
-      !context_.dialogs->confirm(
-          doubt + QStringLiteral("復元すると、今のランは表示されなくなります。今のデータは"
-                                 "別のファイルに残ります。それでも復元しますか？"),
-          QStringLiteral("復元"))) {
+void TrakkoAppDelegate::askAndRestore(const QString& path, const QString& question,
+                                      const QString& doubt) {
+  const QString asked = doubt.isNull()
+                            ? question
+                            : doubt + QStringLiteral(
+                                          "復元すると、今のランは表示されなくなります。今のデータは"
+                                          "別のファイルに残ります。それでも復元しますか？");
+  if (!asked.isNull() && !context_.dialogs->confirm(asked, QStringLiteral("復元"))) {
     showStatus(QStringLiteral("復元しませんでした。"));
     return;
   }
@@ -93,7 +96,7 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, Finding finding) {
       [this, path, doubt](const Result& result) {
         report(result,
                doubt.isNull() ? QStringLiteral("「%1」から復元しました。").arg(path)
-                              : databaseWords::whereKept(databasePath(mainBundle())) + doubt,
+                              : databaseWords::whereKept(result) + doubt,
                QStringLiteral("復元できませんでした"));
         startRefreshOfNewData();
         viewMonth->update();

@@ -30,6 +30,10 @@ void require(const databaseFile::Result& result, const QString& failed) {
                 failed + u"："_s + databaseWords::reason(result.failure)};
 }
 
+databaseFile::Watcher percentOf(const QString& work, Output& output) {
+  return [work, &output](int percent) { output.progress(u"%1 %2%"_s.arg(work).arg(percent)); };
+}
+
 void tellPath(const QCommandLineParser& parser, const QString& path, Output& output) {
   if (parser.isSet(u"json"_s)) {
     output.json(QJsonDocument(QJsonObject{{u"file"_s, path}}));
@@ -49,9 +53,7 @@ class BackupCommand : public Command {
   ExitCode run(const QCommandLineParser& parser, Output& output) const override {
     const QString path = fileArgument(parser);
     require(databaseFile::backUp(databasePath(mainBundle()), path,
-                                 [&output](int percent) {
-                                   output.progress(u"バックアップしています... %1%"_s.arg(percent));
-                                 }),
+                                 percentOf(u"バックアップしています..."_s, output)),
             u"バックアップできませんでした"_s);
     tellPath(parser, path, output);
     output.message(u"「%1」にバックアップしました。"_s.arg(path));
@@ -78,13 +80,11 @@ class RestoreCommand : public Command {
     if (!doubt.isNull() && !parser.isSet(u"force"_s)) {
       throw Failure{ExitCode::failed, doubt + u"それでも復元するには --force を付けて下さい。"_s};
     }
-    require(databaseFile::restore(database, path,
-                                  [&output](int percent) {
-                                    output.progress(u"復元しています... %1%"_s.arg(percent));
-                                  }),
-            u"復元できませんでした"_s);
+    const auto restored =
+        databaseFile::restore(database, path, percentOf(u"復元しています..."_s, output));
+    require(restored, u"復元できませんでした"_s);
     tellPath(parser, database, output);
-    output.message(u"「%1」から復元しました。"_s.arg(path) + databaseWords::whereKept(database));
+    output.message(u"「%1」から復元しました。"_s.arg(path) + databaseWords::whereKept(restored));
     return ExitCode::done;
   }
 };

@@ -23,7 +23,9 @@ enum class Failure {
 
 struct Result {
   Failure failure = Failure::none;
-  QString detail;  ///< What the system said, for the log.
+  QString detail = {};  ///< What the system said, for the log.
+  /// Where a restore has put the database that was there; null when there was none to keep.
+  QString kept = {};
 
   explicit operator bool() const { return failure == Failure::none; }
 };

@@ -21,6 +21,10 @@ namespace {
 
 constexpr int copied = 100;  // percent: all that follows are names
 
+Result keptAs(const QString& place) {
+  return {Failure::none, {}, place};
+}
+
 bool hasCompanions(const QString& path) {
   const QString place = QFileInfo(path).canonicalFilePath();
   return std::any_of(companions.begin(), companions.end(),
@@ -123,7 +127,7 @@ Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile
   }
   syncFolderOf(database);
   watcher(copied);
-  return copy.replace() ? Result{} : unwritable(copy.error());
+  return copy.replace() ? keptAs(aside) : unwritable(copy.error());
 }
 
 /// The undo of a restore: the file `kept`, which was put aside, and the database change names. In
@@ -142,7 +146,7 @@ Result exchange(const QString& database, const QString& kept, const HeldDatabase
   watcher(copied);
   if (renameat2(AT_FDCWD, QFile::encodeName(kept).constData(), AT_FDCWD,
                 QFile::encodeName(database).constData(), RENAME_EXCHANGE) == 0) {
-    return {};
+    return keptAs(kept);
   }
   NewFile second(kept);
   if (Result named = nameAgain(database, kept, held, second); !named) {
@@ -151,7 +155,7 @@ Result exchange(const QString& database, const QString& kept, const HeldDatabase
   if (!copy.replace()) {
     return unwritable(copy.error());
   }
-  return second.replace() ? Result{} : unwritable(second.error());
+  return second.replace() ? keptAs(kept) : unwritable(second.error());
 }
 
 /// What is in the place is worth nothing, unlike what an earlier restore has put aside.
@@ -172,7 +176,8 @@ Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watc
              QFile::encodeName(beforeRestore(database)).constData()) != 0) {
     return unwritable(errno);
   }
-  return replaceDropping(database, copy, watcher);
+  Result replaced = replaceDropping(database, copy, watcher);
+  return replaced ? keptAs(beforeRestore(database)) : replaced;
 }
 
 /// Puts the new file in the place of the database, if there is one.
@@ -217,12 +222,12 @@ Result restore(const QString& database, const QString& chosen, const Watcher& wa
   if (Result done = copyChosen(chosen, database, copy, told); !done) {
     return done;
   }
-  if (Result taken = takePlace(database, chosen, copy, told); !taken) {
-    return taken;
+  Result taken = takePlace(database, chosen, copy, told);
+  if (taken) {
+    told(copied);
+    syncFolderOf(database);
   }
-  told(copied);
-  syncFolderOf(database);
-  return {};
+  return taken;
 }
 
 }  // namespace databaseFile

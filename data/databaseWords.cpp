@@ -37,10 +37,10 @@ QString doubtAbout(const QString& chosen, Finding finding) {
              : QStringLiteral("「%1」には必要な表や列がありません。").arg(chosen);
 }
 
-QString whereKept(const QString& database) {
-  const QFileInfo kept(databaseFile::beforeRestore(database));
-  return kept.exists() ? QStringLiteral("復元前のデータは「%1」にあります。").arg(kept.filePath())
-                       : QString();
+QString whereKept(const databaseFile::Result& restored) {
+  return restored.kept.isNull()
+             ? QString()
+             : QStringLiteral("復元前のデータは「%1」にあります。").arg(restored.kept);
 }
 
 }  // namespace databaseWords

@@ -13,6 +13,6 @@ QString reason(databaseFile::Failure failure);
 /// read the restore itself tells.
 QString doubtAbout(const QString& chosen, schemaCheck::Finding finding);
 /// Where the data from before a restore are, as a sentence; null when none were kept.
-QString whereKept(const QString& database);
+QString whereKept(const databaseFile::Result& restored);
 
 }  // namespace databaseWords
