@@ -14,6 +14,7 @@ void TrakkoAppDelegate::deleteOneData() {
       !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
+  showStatus(QStringLiteral("消去しています..."), Verdict::progress);
   detachThread("delete", [this, number] {
     const qint32 result = dataControl().deleteOneData(number);
     performOnMainThread([this, number, result] { oneDeleted(number, result); });
@@ -25,6 +26,7 @@ void TrakkoAppDelegate::deleteAllData() {
       !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
+  showStatus(QStringLiteral("消去しています..."), Verdict::progress);
   detachThread("delete", [this] {
     const qint32 result = dataControl().deleteAllData();
     performOnMainThread([this, result] { allDeleted(result); });

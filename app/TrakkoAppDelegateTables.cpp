@@ -1,6 +1,7 @@
 // The three tables of the controller: loading them from the store and answering what they show.
 
 #include "app/TrakkoAppDelegate.h"
+#include "app/startUpCheck.h"
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "base/text.h"
@@ -100,15 +101,15 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
   dataControl store;
   const RunDictionary runs = store.getRunData(start.isEmpty() ? QStringLiteral("All") : start, end);
   if (runs.isEmpty()) {
-    performOnMainThread([this, load, ofNewData, failed = store.queryFailed] {
+    performOnMainThread([this, load] {
       if (load == newestLoad_) {
         runDic = {};
       }
-      if (failed) {
-        tellUnreadable(ofNewData);
-      }
     });
     checkFinishGetData = true;
+    if (store.queryFailed) {
+      loadFailed(load, ofNewData);
+    }
     return;
   }
   const QStringList keys = store.runKeyArray;
@@ -135,8 +136,18 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
     }
   });
   if (store.queryFailed) {
-    performOnMainThread([this, ofNewData] { tellUnreadable(ofNewData); });
+    loadFailed(load, ofNewData);
   }
+}
+
+// At the start, a look at the file may tell the cause in a box of its own: one is enough.
+void TrakkoAppDelegate::loadFailed(int load, bool ofNewData) {
+  constexpr int firstLoad = 1;
+  const bool toldAtStart = load == firstLoad && !startUpProblem().isNull();
+  performOnMainThread([this, toldAtStart, ofNewData] {
+    toldUnreadable_ = toldUnreadable_ || toldAtStart;
+    tellUnreadable(ofNewData);
+  });
 }
 
 // An empty table would pass for an empty database. A box tells the first time, and the line each
