@@ -23,8 +23,8 @@ QJsonValue jsonOf(const std::optional<ProfileRange>& range) {
 /// The four lists from which the page draws.
 class Lists {
  public:
-  void add(double place, const ProfilePoint& point) {
-    x_.append(place);
+  void add(const DrawnPoint& point) {
+    x_.append(point.place);
     speed_.append(jsonOf(point.speed));
     heart_.append(jsonOf(point.heartRate));
     altitude_.append(jsonOf(point.altitude));
@@ -81,15 +81,13 @@ QString clockText(double seconds) {
 QJsonObject profileDrawing(const RunProfile& run, ProfileAxis axis, double from, double to,
                            int columns) {
   Lists lists;
-  const ProfilePoint* before = nullptr;
-  for (const int row : profileRows(run, axis, from, to, columns)) {
-    const ProfilePoint& point = pointAt(run, row);
-    const double place = placeOf(point, axis);
+  std::optional<double> before;
+  for (const DrawnPoint& point : drawnPoints(run, axis, from, to, columns)) {
     if (before && point.isAfterPause) {
-      lists.add((placeOf(*before, axis) + place) / 2, {});
+      lists.add({(*before + point.place) / 2, {}, {}, {}, true});
     }
-    lists.add(place, point);
-    before = &point;
+    lists.add(point);
+    before = point.place;
   }
   QJsonObject drawing{{u"axis"_s, axis == ProfileAxis::Distance ? u"distance"_s : u"time"_s},
                       {u"window"_s, QJsonArray{from, to}},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stats/profileRows.h"
+#include "stats/profileCurve.h"
 #include "web/webPageHost.h"
 
 #include <QColor>

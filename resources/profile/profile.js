@@ -111,28 +111,20 @@
 
   function drawUnderlay(context, area, g) {
     const x = place => g.toDomXCoord(place);
-    const band = (from, to, name) => {
-      context.fillStyle = colour(name);
-      context.fillRect(x(from), area.y, x(to) - x(from), area.h);
-    };
     context.save();
     context.beginPath();
     context.rect(area.x, area.y, area.w, area.h);
     context.clip();
     context.font = `${labelSize() - 1}px ${getComputedStyle(document.body).fontFamily}`;
     for (const [from, to] of profile.pauses) {
-      band(from, to, 'pause');
+      context.fillStyle = colour('pause');
+      context.fillRect(x(from), area.y, x(to) - x(from), area.h);
       // Over the distance a pause has no length.
       context.fillStyle = colour('quiet');
       const middle = Math.round((x(from) + x(to)) / 2);
       for (const left of [middle - 3, middle + 1]) {
         context.fillRect(left, area.y + area.h - 9, 2, 7);
       }
-    }
-    if (mark) {
-      context.globalAlpha = 0.15;
-      band(mark[0], mark[1], 'pace');
-      context.globalAlpha = 1;
     }
     context.textAlign = 'right';
     let free = area.x;  // right of the last line
@@ -211,6 +203,8 @@
   function draw() {
     if (!profile) {
       chart.hidden = true;
+      placeMark();
+      placeCursor();
       return;
     }
     chart.hidden = false;
@@ -227,7 +221,21 @@
         xRangePad: 0
       });
     }
+    placeMark();
     placeCursor();
+  }
+
+  // Over the picture, which need not be drawn again for it.
+  function placeMark() {
+    const box = element('mark');
+    box.hidden = !(mark && graph && profile);
+    if (!box.hidden) {
+      const area = graph.getArea();
+      const inside = place => Math.min(Math.max(graph.toDomXCoord(place), area.x), area.x + area.w);
+      const [from, to] = mark.map(inside);
+      Object.assign(box.style, {left: `${chart.offsetLeft + from}px`, width: `${to - from}px`,
+        top: `${chart.offsetTop + area.y}px`, height: `${area.h}px`});
+    }
   }
 
   function placeDot(dot, value, axis, isShown) {
@@ -275,7 +283,7 @@
   };
   window.markStretch = text => {
     mark = JSON.parse(text);
-    draw();
+    placeMark();
   };
   window.showCursor = text => {
     cursor = JSON.parse(text);
@@ -344,6 +352,7 @@
   window.addEventListener('resize', () => requestAnimationFrame(() => {
     if (graph) {
       graph.resize();
+      placeMark();
       placeCursor();
     }
   }));

@@ -1,4 +1,4 @@
-#include "stats/profileRows.h"
+#include "stats/profileCurve.h"
 
 #include <QtTest>
 
@@ -141,27 +141,36 @@ class tst_profile : public QObject {
     QVERIFY(speed->low > 11 && speed->low <= 12 && speed->high >= 12.18 && speed->high < 13);
   }
 
-  void rowsKeepEveryPeak_data() {
+  void everyPeakIsDrawn_data() {
     QTest::addColumn<ProfileAxis>("axis");
     QTest::newRow("distance") << ProfileAxis::Distance;
     QTest::newRow("time") << ProfileAxis::Time;
   }
-  void rowsKeepEveryPeak() {
+  void everyPeakIsDrawn() {
     QFETCH(ProfileAxis, axis);
     const RunProfile run = longRun(50000);
     const auto place = [&](int row) { return placeOf(run.points[std::size_t(row)], axis); };
-    const std::vector<int> all = profileRows(run, axis, place(0), place(49999), 1000);
-    QVERIFY(all.size() < 9000);
-    QVERIFY(std::adjacent_find(all.begin(), all.end(), std::greater_equal<>()) == all.end());
-    for (const int kept : {0, 1234, 2345, 3456, 24999, 25000, 49999}) {
-      QVERIFY2(std::binary_search(all.begin(), all.end(), kept), qPrintable(QString::number(kept)));
+    const std::vector<DrawnPoint> all = drawnPoints(run, axis, place(0), place(49999), 1000);
+    QVERIFY(all.size() <= 2002);
+    QVERIFY(std::is_sorted(all.begin(), all.end(),
+                           [](const auto& a, const auto& b) { return a.place < b.place; }));
+    for (const int row : {1234, 2345, 3456}) {
+      const ProfilePoint& peak = run.points[std::size_t(row)];
+      QVERIFY(std::any_of(all.begin(), all.end(), [&](const DrawnPoint& drawn) {
+        return std::abs(drawn.place - place(row)) <= place(49999) / 1000 &&
+               (peak.speed == 30.0 ? drawn.speed == peak.speed
+                : row == 2345      ? drawn.heartRate == peak.heartRate
+                                   : drawn.altitude == peak.altitude);
+      }));
     }
+    QCOMPARE(std::count_if(all.begin(), all.end(), [](auto& drawn) { return drawn.isAfterPause; }),
+             1);
     // A short stretch shows every point, and the lines run on out of sight.
-    const std::vector<int> part = profileRows(run, axis, place(100), place(200), 1000);
-    QCOMPARE(part.front(), 99);
-    QCOMPARE(part.back(), 201);
+    const std::vector<DrawnPoint> part = drawnPoints(run, axis, place(100), place(200), 1000);
+    QCOMPARE(part.front().place, place(99));
+    QCOMPARE(part.back().place, place(201));
     QCOMPARE(part.size(), 103U);
-    QVERIFY(profileRows({}, axis, 0, 1, 1000).empty());
+    QVERIFY(drawnPoints({}, axis, 0, 1, 1000).empty());
   }
 
   void nearest_data() {
