@@ -3,6 +3,8 @@
 
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
+#include "app/profileLink.h"
+#include "app/profilePane.h"
 #include "base/text.h"
 #include "data/bundle.h"
 #include "device/udevRegistry.h"
@@ -17,11 +19,13 @@
 #include <QStatusBar>
 #include <QStyleFactory>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTemporaryDir>
 
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -47,9 +51,7 @@ void addOptions(QCommandLineParser& parser) {
        {QStringLiteral("runs"), QStringLiteral("On the watch."), QStringLiteral("N"),
         QStringLiteral("12")},
        {QStringLiteral("part"), QStringLiteral("Name of the only widget to draw."),
-        QStringLiteral("NAME")},
-       {QStringLiteral("width"), QStringLiteral("Of the picture, to make it smaller."),
-        QStringLiteral("N")}});
+        QStringLiteral("NAME")}});
   parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The picture to write."));
 }
 
@@ -75,26 +77,49 @@ ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
   context.device.registry = std::make_shared<UdevRegistry>();
   context.device.messenger = dialogs;
   context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
+  // Plain ground, the same on every machine: tiles of one clear pixel.
+  context.mapServices.googleKey.clear();
+  context.mapServices.tileAddress = QStringLiteral(
+      "data:image/gif;base64,R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7");
   return context;
+}
+
+/// With channels in steps too fine to be seen, of which the format makes a smaller file.
+QImage inFewColours(QImage picture) {
+  constexpr int fineness = 5;
+  const auto rounded = [](int channel) { return (channel + fineness / 2) / fineness * fineness; };
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      const QRgb colour = picture.pixel(x, y);
+      picture.setPixel(
+          x, y, qRgb(rounded(qRed(colour)), rounded(qGreen(colour)), rounded(qBlue(colour))));
+    }
+  }
+  return picture;
 }
 
 /// Downloads from the watch and lets the map draw.
 void fill(TrakkoAppDelegate* controller, qsizetype runs) {
   constexpr int step = 200;
   constexpr int longest = 300;
-  controller->awakeFromNib();
   controller->applicationDidFinishLaunching();
   wait(5 * step);
   controller->downloadDataBu();
   for (int i = 0; i < longest && controller->runKArr.size() < runs; ++i) {
     wait(step);
   }
-  wait(30 * step);
+  wait(10 * step);
+  // Points at a place on the way, for the cursor and the mark on the map.
+  controller->pointView->selectRow(static_cast<int>(controller->pointViewData.size() * 2 / 5));
+  wait(10 * step);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (geteuid() == 0) {
+    qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");  // the engine refuses to sandbox root's pages
+  }
   registerMapScheme();
   QApplication application(argc, argv);
   QCommandLineParser parser;
@@ -112,22 +137,26 @@ int main(int argc, char** argv) {
   QFile::link(QStringLiteral(TRAKKO_IMAGES), folder.filePath(QStringLiteral("png")));
   setMainBundle({folder.filePath(QStringLiteral("Trakko.app")), QStringLiteral("Trakko")});
   const qint32 runs = text::toInt32(parser.value(QStringLiteral("runs")));
-  EmulatedWatch watch(
-      {.memory = makeMemory({.runs = runs, .today = QDate(2026, 11, 21)}), .fullSpeed = true});
+  EmulatedWatch watch({.memory = makeMemory({.runs = runs}), .fullSpeed = true});
   watch.start();
   qputenv("TRAKKO_WATCH_PORT", watch.path().toUtf8());
 
   const auto dialogs = std::make_shared<NoDialogs>();
-  auto* controller = new TrakkoAppDelegate(contextFor(dialogs));
+  const ControllerContext context = contextFor(dialogs);
+  auto* controller = new TrakkoAppDelegate(context);
   auto* window = new MainWindow(controller);
-  auto* map = new WebMapView(dialogs, configuredMapSettings(), {});
+  auto* map = new WebMapView(dialogs, context.mapServices, {});
   window->setMapWidget(map);
+  auto* profile = new ProfilePane(map->engine(), dialogs);
+  window->setProfileWidget(profile);
+  new ProfileLink(controller, profile);
   controller->theWebView = map;
   QObject::connect(map, &WebMapView::titleReceived, controller,
                    &TrakkoAppDelegate::didReceiveTitle);
   const QStringList size = parser.value(QStringLiteral("size")).split(u'x');
   window->setWindowState(Qt::WindowNoState);
   window->resize(text::toInt32(size.value(0)), text::toInt32(size.value(1)));
+  controller->awakeFromNib();
   window->show();
   fill(controller, runs);
   if (parser.isSet(QStringLiteral("totals"))) {
@@ -139,16 +168,14 @@ int main(int argc, char** argv) {
                    ? window->findChild<QWidget*>(parser.value(QStringLiteral("part")))
                    : window;
   // The engine's pages draw past Qt, so on a real screen it is asked for what it shows.
-  QPixmap picture = QGuiApplication::platformName() == QStringLiteral("xcb")
-                        ? window->screen()->grabWindow(0, part->mapToGlobal(QPoint()).x(),
-                                                       part->mapToGlobal(QPoint()).y(),
-                                                       part->width(), part->height())
-                        : part->grab();
-  if (parser.isSet(QStringLiteral("width"))) {
-    picture = picture.scaledToWidth(text::toInt32(parser.value(QStringLiteral("width"))),
-                                    Qt::SmoothTransformation);
-  }
-  const bool isSaved = picture.save(parser.positionalArguments().value(0));
+  const QPixmap picture = QGuiApplication::platformName() == QStringLiteral("xcb")
+                              ? window->screen()->grabWindow(0, part->mapToGlobal(QPoint()).x(),
+                                                             part->mapToGlobal(QPoint()).y(),
+                                                             part->width(), part->height())
+                              : part->grab();
+  constexpr int smallest = 0;  // file, not quality: the format loses nothing
+  const bool isSaved =
+      inFewColours(picture.toImage()).save(parser.positionalArguments().value(0), "PNG", smallest);
   // Threads of the controller may still run.
   std::_Exit(isSaved ? EXIT_SUCCESS : EXIT_FAILURE);
 }
