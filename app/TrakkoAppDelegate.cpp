@@ -2,8 +2,6 @@
 
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
-#include "data/bundle.h"
-#include "data/pointLocator.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -93,8 +91,6 @@ void TrakkoAppDelegate::refreshData(int load) {
       }
     });
   }
-  // From now on a click reads only where its run lies.
-  pointLocator::locate(databasePath(mainBundle()));
 }
 
 void TrakkoAppDelegate::alertUSB(const QString& message) {

@@ -6,7 +6,9 @@
 #include "base/mainQueue.h"
 #include "base/text.h"
 #include "base/trackTime.h"
+#include "data/bundle.h"
 #include "data/dataControl.h"
+#include "data/pointLocator.h"
 #include "web/mapView.h"
 
 #include <QDate>
@@ -121,6 +123,8 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
       *chosen = selection_;
     }
   });
+  // From now on a run is read only where it lies; that takes as long as reading one without it.
+  pointLocator::locate(databasePath(mainBundle()));
   const qint64 number = text::toInteger(keys.value(0));
   performOnMainThread([this, chosen, points = store.getTrackData(static_cast<qint32>(number))] {
     if (*chosen == selection_) {

@@ -8,8 +8,10 @@
 #include "app/startUpCheck.h"
 #include "app/windowState.h"
 #include "base/detachThread.h"
+#include "base/memory.h"
 #include "data/bundle.h"
 #include "device/udevRegistry.h"
+#include "web/webEngine.h"
 #include "web/webMapView.h"
 
 #include <QApplication>
@@ -66,12 +68,6 @@ void showBox(const QString& text) {
   box.exec();
 }
 
-/// The engine's pages, map and profile, live in one process: a second one costs memory.
-void shareOneProcess() {
-  const char* const flags = "QTWEBENGINE_CHROMIUM_FLAGS";
-  qputenv(flags, qgetenv(flags) + " --renderer-process-limit=1");
-}
-
 /// Shows what kept the launcher from making the user's folder; false when nothing did. Launchers
 /// have no boxes of their own where the desktop's tools for it are not installed.
 bool tellLauncherProblem() {
@@ -114,6 +110,7 @@ int main(int argc, char* argv[]) {
   }
   registerMapScheme();
   shareOneProcess();
+  shareHeaps();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Trakko"));
   QApplication::setApplicationVersion(QStringLiteral(TRAKKO_VERSION));

@@ -2,11 +2,13 @@
 
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
+#include "base/memory.h"
 #include "data/dataControl.h"
 
 #include <QLoggingCategory>
 #include <QScopeGuard>
 
+#include <chrono>
 #include <exception>
 #include <mutex>
 #include <optional>
@@ -15,6 +17,9 @@
 namespace {
 
 Q_LOGGING_CATEGORY(lcLoader, "trakko.loader", QtInfoMsg)
+
+/// Then the run before the last one is forgotten everywhere, and nobody is waiting.
+constexpr std::chrono::seconds restTime{3};
 
 /// Whether the result has become useless meanwhile.
 using IsStale = std::function<bool()>;
@@ -139,10 +144,15 @@ void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
   onFailure.dismiss();
 }
 
-RunLoader::RunLoader() : work_(std::make_shared<Work>()) {}
+RunLoader::RunLoader() : work_(std::make_shared<Work>()) {
+  rest_.setSingleShot(true);
+  rest_.setInterval(restTime);
+  QObject::connect(&rest_, &QTimer::timeout, [] { giveBackFreeMemory(); });
+}
 RunLoader::~RunLoader() = default;
 
 void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
+  rest_.start();
   const bool unanswered = std::exchange(work_->receiver, std::move(receiver)) != nullptr;
   if (unanswered && wanted == work_->wanted) {
     return;

@@ -5,6 +5,7 @@
 #include "map/trackOverlay.h"
 
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -53,4 +54,5 @@ class RunLoader {
  private:
   struct Work;
   std::shared_ptr<Work> work_;  ///< Shared with the thread, which may outlive this object.
+  QTimer rest_;                 ///< Since the last request.
 };

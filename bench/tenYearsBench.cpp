@@ -11,9 +11,11 @@
 #include "app/profileLink.h"
 #include "app/profilePane.h"
 #include "base/detachThread.h"
+#include "base/memory.h"
 #include "bench/processMemory.h"
 #include "bench/sampleRuns.h"
 #include "bench/sqliteShell.h"
+#include "web/webEngine.h"
 #include "web/webMapView.h"
 
 #include <QApplication>
@@ -100,6 +102,13 @@ class Program : public QObject {
   void waitForMap() {
     waitFor([this] { return controller->checkInitMap && hasCurrentRun(); });
     waitForTrack();
+  }
+  /// Until the program has given back what it does not need.
+  void waitForRest() {
+    waitForThreads();
+    QElapsedTimer rest;
+    rest.start();
+    waitFor([&rest] { return rest.hasExpired(4000); });
   }
   /// Until it is known where each run's points lie.
   void waitForThreads() {
@@ -223,7 +232,8 @@ void measureQuestions(int clicks) {
   print("memory of all processes", memoryOfProcesses(), "MiB");
   measureClicks(program, clicks, "later");
   measureKeys(program);
-  print("memory of all processes", memoryOfProcesses(), "MiB");
+  program.waitForRest();
+  print("memory of all processes after a rest", memoryOfProcesses(), "MiB");
   const QByteArray shown = QByteArray::number(program.controller->currentNumber);
   print("sqlite3 printing all runs",
         shellTime("Select * From T_RunData Order by datetime(T_RunStartTime) desc;"), "ms");
@@ -247,12 +257,15 @@ void measureViews(int views, qint64 points) {
   std::vector<double> times;
   for (int view = 1; view <= views; ++view) {
     times.push_back(program.show(view % 2).first);
-    if (view == 1 || view == views || view % 10 == 0) {
-      program.waitForThreads();
+    if (view == 1 || view == views || view % 25 == 0) {
+      const double busy = memoryOfProcesses();
+      program.waitForRest();
       const double now = memoryOfProcesses();
+      const double own = memoryOf(QCoreApplication::applicationPid());
       first = view == 1 ? now : first;
-      std::printf("view %3d: %7.1f MiB in all processes, %+5.1f %% of the first; own %7.1f\n", view,
-                  now, 100.0 * (now - first) / first, memoryOf(QCoreApplication::applicationPid()));
+      std::printf(
+          "view %3d: %.1f MiB in all processes, %.1f after a rest (%+.1f %%), %.1f our own\n", view,
+          busy, now, 100.0 * (now - first) / first, own);
       (void)std::fflush(stdout);
     }
   }
@@ -265,8 +278,9 @@ int main(int argc, char* argv[]) {
   if (geteuid() == 0) {
     qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");  // the engine refuses to sandbox root's pages
   }
-  qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--renderer-process-limit=1");  // as the program does
   registerMapScheme();
+  shareOneProcess();
+  shareHeaps();
   const QApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments();
   constexpr int clicks = 50;

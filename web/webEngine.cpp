@@ -33,6 +33,11 @@ QString userAgent(const QString& engine) {
 
 }  // namespace
 
+void shareOneProcess() {
+  const char* const flags = "QTWEBENGINE_CHROMIUM_FLAGS";
+  qputenv(flags, qgetenv(flags) + " --renderer-process-limit=1");
+}
+
 std::shared_ptr<QWebEngineProfile> makeWebEngine(const QString& cacheFolder) {
   auto engine = makeProfile(cacheFolder);
   engine->setHttpUserAgent(userAgent(engine->httpUserAgent()));

@@ -5,6 +5,10 @@
 
 #include <memory>
 
+/// Lets all pages live in one process: a second one costs memory. Main thread, before the
+/// application object exists.
+void shareOneProcess();
+
 /// What the pages of the program have in common in the web engine: their cache, who they say they
 /// are, and that nothing they offer is saved as a file. Nothing is kept on disk when `cacheFolder`
 /// is null. Pages that share one may share a process. Main thread.
