@@ -86,7 +86,7 @@ void fillPointsTable(benchmark::State& state) {
 
 void copyTexts(benchmark::State& state) {
   const auto rows = pointRows(makePoints(static_cast<int>(state.range(0))), number);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     std::vector<pViewData> copy;
     copy.reserve(rows.size());
     for (const pViewData& row : rows) {

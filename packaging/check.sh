@@ -93,11 +93,19 @@ starts() {
   [ -s "$folder/gpsData.db3" ] || fail "no database in $folder"
 }
 
+# lists COMMAND...: the command line answers from the database that the window has made.
+lists() {
+  say "list: $*"
+  as_user "$@" list --json >"$root/tmp/output" 2>&1 || fail "trakko-cli"
+  [ "$(cat "$root/tmp/output")" = "[]" ] || fail "not an empty list"
+}
+
 check_archive() {
   rm -rf "$root/home/runner/portable"
   as_user mkdir /home/runner/portable
   as_user tar xzf - -C /home/runner/portable --strip-components=1 <"$archive"
   starts /home/runner/portable /home/runner/portable/Trakko.app/Contents/Trakko
+  lists /home/runner/portable/trakko-cli --data /home/runner/portable
   # Moved as a whole, it takes its database along.
   as_user mv /home/runner/portable /home/runner/moved
   before=$(stat -c %i "$root/home/runner/moved/gpsData.db3")
@@ -127,6 +135,10 @@ check_package() {
   inside apt-get install -y -q --no-install-recommends /tmp/trakko.deb >"$root/tmp/output" 2>&1 ||
     fail "apt-get install"
   starts $data trakko
+  lists trakko-cli
+  for file in man/man1/trakko-cli.1.gz bash-completion/completions/trakko-cli; do
+    [ -s "$root/usr/share/$file" ] || fail "no $file"
+  done
   for name in Trakko.app png; do
     [ "$(readlink "$root$data/$name")" = "/usr/lib/trakko/$name" ] || fail "link $name"
   done
