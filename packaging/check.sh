@@ -97,7 +97,7 @@ starts() {
 lists() {
   say "list: $*"
   as_user "$@" list --json >"$root/tmp/output" 2>&1 || fail "trakko-cli"
-  [ "$(cat "$root/tmp/output")" = "[]" ] || fail "not an empty list"
+  [ "$(tr -d '\n' <"$root/tmp/output")" = "[]" ] || fail "not an empty list"
 }
 
 check_archive() {
