@@ -137,5 +137,5 @@ void MainWindow::exportManyRuns() {
   manyExport_->start({.numbers = runsWithin(controller_->runDic, controller_->runKArr, first, last),
                       .format = dialog.format(),
                       .folder = dialog.folder()},
-                     offsetText(QDateTime::currentDateTime().offsetFromUtc()), names);
+                     offsetNow(), names);
 }

@@ -93,10 +93,10 @@ starts() {
   [ -s "$folder/gpsData.db3" ] || fail "no database in $folder"
 }
 
-# lists COMMAND...: the command line answers from the database that the window has made.
+# lists COMMAND: the command line answers from the database that the window has made.
 lists() {
   say "list: $*"
-  as_user "$@" list --json >"$root/tmp/output" 2>&1 || fail "trakko-cli"
+  as_user "$1" list --json >"$root/tmp/output" 2>&1 || fail "trakko-cli"
   [ "$(tr -d '\n' <"$root/tmp/output")" = "[]" ] || fail "not an empty list"
 }
 
@@ -105,7 +105,7 @@ check_archive() {
   as_user mkdir /home/runner/portable
   as_user tar xzf - -C /home/runner/portable --strip-components=1 <"$archive"
   starts /home/runner/portable /home/runner/portable/Trakko.app/Contents/Trakko
-  lists /home/runner/portable/trakko-cli --data /home/runner/portable
+  lists /home/runner/portable/trakko-cli
   # Moved as a whole, it takes its database along.
   as_user mv /home/runner/portable /home/runner/moved
   before=$(stat -c %i "$root/home/runner/moved/gpsData.db3")
