@@ -99,7 +99,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     arrangeHeights(static_cast<QResizeEvent*>(event)->size().height());
   }
   if (watched == ui_->tView || watched == ui_->tView->viewport()) {
-    if (event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+    const bool isKeyUp =
+        event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat();
+    // The commands of the menu are about the run that is shown.
+    if (isKeyUp || event->type() == QEvent::ContextMenu) {
       controller_->followSelection();
     } else if (event->type() == QEvent::MouseButtonPress) {
       releaseChose_ = false;

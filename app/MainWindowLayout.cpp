@@ -89,7 +89,7 @@ void MainWindow::arrangeHeights(int height) {
   constexpr int profileWanted = 140;
   constexpr int profileLeast = 100;
   constexpr int rowsWanted = 6;
-  constexpr int rowsLeast = 2;
+  constexpr int rowsLeast = 3;
   const bool scrolls =
       columns_.value(QStringLiteral("laps"))->neededWidth() > ui_->rightSplitter->width();
   const int above = ui_->trackTabs->tabBar()->sizeHint().height() +

@@ -25,12 +25,16 @@ void showAbout(QWidget* window) {
   box->setIconPixmap(window->windowIcon().pixmap(64, 64));
   box->setTextFormat(Qt::RichText);
   box->setText(u"<b>Trakko %1</b>"_s.arg(QCoreApplication::applicationVersion()));
-  box->setInformativeText(
-      u"GPS ランニングウォッチのデータを管理するアプリケーションです。<br><br>"
-      "Leaflet: BSD 2-Clause License, Vladimir Agafonkin, CloudMade<br>"
-      "dygraphs: MIT License, Dan Vanderkam<br>"
-      "地図データ: © OpenStreetMap contributors<br>"
-      "Qt %1: GNU LGPL 3"_s.arg(QString::fromLatin1(qVersion())));
+  const QString what = u"GPS ランニングウォッチのデータを管理するアプリケーションです。"_s;
+  box->setInformativeText(what +
+                          u"<br><br>"
+                          "Leaflet: BSD 2-Clause License, Vladimir Agafonkin, CloudMade<br>"
+                          "dygraphs: MIT License, Dan Vanderkam<br>"
+                          "地図データ: © OpenStreetMap contributors<br>"
+                          "Qt %1: GNU LGPL 3"_s.arg(QString::fromLatin1(qVersion())));
+  // A line of Japanese breaks anywhere, so none is left to break.
+  box->setStyleSheet(u"QLabel#qt_msgbox_informativelabel { min-width: %1px; }"_s.arg(
+      box->fontMetrics().horizontalAdvance(what) + 2 * box->fontMetrics().height()));
   box->setDetailedText(licences());
   box->addButton(u"OK"_s, QMessageBox::AcceptRole);
   box->setAttribute(Qt::WA_DeleteOnClose);

@@ -63,7 +63,15 @@ void ExportManyDialog::addPeriod() {
   days->addWidget(first_);
   days->addWidget(new QLabel(u"〜"_s, this));
   days->addWidget(last_);
-  static_cast<QFormLayout*>(layout())->addRow(u"期間(&P):"_s, days);
+  days->addStretch();
+  addRow(u"期間(&P):"_s, days, period_);
+}
+
+/// A row of several parts, whose label stands for one of them.
+void ExportManyDialog::addRow(const QString& title, QLayout* row, QWidget* buddy) {
+  auto* label = new QLabel(title, this);
+  label->setBuddy(buddy);
+  static_cast<QFormLayout*>(layout())->addRow(label, row);
 }
 
 void ExportManyDialog::choosePeriod() {
@@ -81,7 +89,7 @@ void ExportManyDialog::addFolder(const QString& folder) {
   auto* row = new QHBoxLayout;
   row->addWidget(folder_);
   row->addWidget(browse);
-  static_cast<QFormLayout*>(layout())->addRow(u"フォルダ(&F):"_s, row);
+  addRow(u"フォルダ(&F):"_s, row, folder_);
   connect(browse, &QPushButton::clicked, this, &ExportManyDialog::chooseFolder);
   connect(folder_, &QLineEdit::textChanged, this, &ExportManyDialog::enableParts);
 }

@@ -10,6 +10,7 @@
 
 class QComboBox;
 class QDateEdit;
+class QLayout;
 class QLineEdit;
 class QPushButton;
 
@@ -32,6 +33,7 @@ class ExportManyDialog : public QDialog {
  private:
   void addPeriod();
   void addFolder(const QString& folder);
+  void addRow(const QString& title, QLayout* row, QWidget* buddy);
   void choosePeriod();
   void chooseFolder();
   void enableParts();

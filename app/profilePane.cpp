@@ -1,7 +1,6 @@
 #include "app/profilePane.h"
 
 #include <QCheckBox>
-#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -61,6 +60,7 @@ ProfilePane::ProfilePane(std::shared_ptr<QWebEngineProfile> engine,
   layout->setSpacing(spacing);
   layout->addWidget(makeControls());
   layout->addWidget(frame, 1);
+  connect(view, &ProfileView::lookChanged, this, &ProfilePane::showColours);
   showColours();
   showRun(nullptr);
 }
@@ -127,11 +127,4 @@ void ProfilePane::showColours() {
   pace_->setIcon(lineOf(colours.pace));
   heartRate_->setIcon(lineOf(colours.heartRate));
   altitude_->setIcon(lineOf(colours.altitude));
-}
-
-void ProfilePane::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange) {
-    showColours();
-  }
 }

@@ -23,9 +23,6 @@ class ProfilePane : public QWidget {
 
   ProfileView* const view;
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
   QWidget* makeControls();
   QCheckBox* addCurve(const QString& name);

@@ -248,6 +248,7 @@ void ProfileView::changeEvent(QEvent* event) {
   WebPageHost::changeEvent(event);
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
     sendLook();
+    Q_EMIT lookChanged();
   }
 }
 

@@ -55,6 +55,8 @@ class ProfileView : public WebPageHost {
   void pointed(int row);
   /// Whether only a part of the run is shown.
   void zoomed(bool isPart);
+  /// The palette, and with it the colours, or the font have changed.
+  void lookChanged();
 
  protected:
   void changeEvent(QEvent* event) override;

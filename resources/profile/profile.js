@@ -109,13 +109,34 @@
 
   // ---- drawing ----
 
-  function drawUnderlay(context, area, g) {
-    const x = place => g.toDomXCoord(place);
+  // The ends of the laps that have room for their numbers, left to right.
+  function roomyLaps(context, area, g) {
+    let free = area.x;  // right of the last line
+    const laps = [];
+    for (const [number, , to, isLast] of profile.laps) {
+      const end = Math.round(g.toDomXCoord(to));
+      if (end - free >= context.measureText(number).width + 6) {
+        free = end;
+        laps.push({number, end, isLast});
+      }
+    }
+    return laps;
+  }
+
+  // Within the area of the curves.
+  function drawInside(context, area, work) {
     context.save();
     context.beginPath();
     context.rect(area.x, area.y, area.w, area.h);
     context.clip();
     context.font = `${labelSize() - 1}px ${getComputedStyle(document.body).fontFamily}`;
+    context.textAlign = 'right';
+    work();
+    context.restore();
+  }
+
+  function drawUnderlay(context, area, g) {
+    const x = place => g.toDomXCoord(place);
     for (const [from, to] of profile.pauses) {
       context.fillStyle = colour('pause');
       context.fillRect(x(from), area.y, x(to) - x(from), area.h);
@@ -126,25 +147,28 @@
         context.fillRect(left, area.y + area.h - 9, 2, 7);
       }
     }
-    context.textAlign = 'right';
-    let free = area.x;  // right of the last line
-    for (const [number, , to, isLast] of profile.laps) {
-      const end = Math.round(x(to));
-      if (end - free < context.measureText(number).width + 6) {
-        continue;
-      }
-      free = end;
-      if (!isLast) {
-        context.fillStyle = colour('lap');
-        context.fillRect(end, area.y, 1, area.h);
-      }
+    context.fillStyle = colour('lap');
+    for (const {end, isLast} of roomyLaps(context, area, g)) {
+      context.fillRect(end, area.y, isLast ? 0 : 1, area.h);
+    }
+  }
+
+  function drawLabels(context, area, g) {
+    for (const {number, end} of roomyLaps(context, area, g)) {
       drawText(context, number, end - 3, area.y + labelSize() - 1);
     }
     if (shown.altitude && profile.ranges.altitude && rightIsHeart()) {
       drawAltitudeLabels(context, area, g);
     }
-    context.restore();
   }
+
+  // Over the curves, unlike the lines behind them.
+  const labels = {
+    activate: () => ({
+      didDrawChart: ({drawingContext: context, dygraph: g}) =>
+          drawInside(context, g.getArea(), () => drawLabels(context, g.getArea(), g))
+    })
+  };
 
   // Stands out from what it crosses.
   function drawText(context, text, x, y) {
@@ -174,10 +198,13 @@
     const all = ranges();
     const hasLeft = shown.pace && profile.ranges.speed !== null;
     const hasRight = rightIsHeart() || (shown.altitude && profile.ranges.altitude !== null);
-    const axis = isShown => ({
-      axisLabelFontSize: labelSize(), axisLabelWidth: labelSize() * 4, drawAxis: isShown,
+    // An axis without a curve keeps its room: dygraphs leaves remains of the picture beside an area
+    // that becomes smaller, and curves that stay should stay where they are.
+    const axis = ticker => ({
+      axisLabelFontSize: labelSize(), axisLabelWidth: labelSize() * 4, ticker,
       axisLineColor: colour('grid'), gridLineColor: colour('grid')
     });
+    const noTicks = () => [];
     return {
       file: file(altitudeScale(all)),
       labels: ['x', 'altitude', 'pace', 'heart'],
@@ -190,12 +217,10 @@
         heart: {axis: 'y2', color: colour('heart'), strokeWidth: 1.5}
       },
       axes: {
-        x: {...axis(true), drawGrid: false, axisLabelWidth: labelSize() * 6,
-            ticker: placeTicks},
-        y: {...axis(hasLeft), valueRange: all.speed, drawGrid: true,
-            ticker: paceTicks},
-        y2: {...axis(hasRight), valueRange: all.right, drawGrid: !hasLeft, independentTicks: true,
-             ticker: valueTicks}
+        x: {...axis(placeTicks), drawGrid: false, axisLabelWidth: labelSize() * 6},
+        y: {...axis(hasLeft ? paceTicks : noTicks), valueRange: all.speed, drawGrid: true},
+        y2: {...axis(hasRight ? valueTicks : noTicks), valueRange: all.right, drawGrid: !hasLeft,
+             independentTicks: true}
       }
     };
   }
@@ -217,7 +242,9 @@
         legend: 'never',
         highlightCircleSize: 0,
         interactionModel: {},  // ours is below
-        underlayCallback: drawUnderlay,
+        underlayCallback: (context, area, g) =>
+            drawInside(context, area, () => drawUnderlay(context, area, g)),
+        plugins: [labels],
         xRangePad: 0
       });
     }
