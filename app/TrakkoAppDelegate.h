@@ -190,6 +190,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void loadFailed(int load, bool ofNewData);
   void tellUnreadable(bool ofNewData);
   void takeDownload(const std::shared_ptr<WatchDownload>& download, const DownloadOutcome& outcome);
+  void startProgress();
   void downloadEnded();
   void tellThreadFailures();
   void askToEraseWatch(WatchDownload& download);
@@ -220,6 +221,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   Selection selection_;
   std::vector<std::shared_ptr<WatchDownload>> downloads_;  ///< Those under way.
   int downloadsRunning_ = 0;
+  bool progressRuns_ = false;
   RunLoader loader_;
   std::atomic<int> newestLoad_{0};  ///< Number of the newest load of the tables.
   bool fileWorkRuns_ = false;

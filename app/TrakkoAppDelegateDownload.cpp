@@ -35,8 +35,7 @@ void TrakkoAppDelegate::downloadDataBu() {
   showStatus(downloadWords::running(), Verdict::progress);
   progressBar->setVisible(true);
   if (++downloadsRunning_ == 1) {
-    checkStop = false;
-    detachThread("progress", [this] { controlProgressIndicator(); });
+    startProgress();
   }
   const bool started = detachThread("download", [this] {
     const auto atAnyEnd = qScopeGuard([this] { performOnMainThread([this] { downloadEnded(); }); });
@@ -45,6 +44,27 @@ void TrakkoAppDelegate::downloadDataBu() {
   if (!started) {
     downloadEnded();
   }
+}
+
+/// One thread at a time: one that has not seen yet that the download before ended goes on for this
+/// one, and one that has seen it is followed by another. A second one would be left over, as the
+/// first to see the end takes it back.
+void TrakkoAppDelegate::startProgress() {
+  checkStop = false;
+  if (progressRuns_) {
+    return;
+  }
+  progressRuns_ = detachThread("progress", [this] {
+    const auto atAnyEnd = qScopeGuard([this] {
+      performOnMainThread([this] {
+        progressRuns_ = false;
+        if (downloadsRunning_ > 0) {
+          startProgress();
+        }
+      });
+    });
+    controlProgressIndicator();
+  });
 }
 
 /// The bar stays while another download runs.

@@ -39,6 +39,7 @@ class tst_download : public QObject {
   void statusLines();
   void secondDownloadWhileOneRuns();
   void aSilentWatchGivesWay();
+  void noProgressIsLeftOver();
 };
 
 void tst_download::runsArriveAndTheWatchIsErased() {
@@ -261,6 +262,18 @@ void tst_download::aSilentWatchGivesWay() {
   QCOMPARE(fixture.controller->runViewData.size(), std::size_t{runCount});
   QCOMPARE(fixture.controller->statusLine->text(), "新しいラン3件を保存しました。");
   QVERIFY(!fixture.controller->progressBar->isVisible());
+}
+
+/// One that starts before the bar of the last has seen its end: settling needs the end of both.
+void tst_download::noProgressIsLeftOver() {
+  WindowFixture fixture;
+  fixture.start();
+  for (int download = 0; download < 10; ++download) {
+    fixture.controller->downloadDataBu();
+    while (fixture.controller->progressBar->isVisible()) {
+      QCoreApplication::processEvents();
+    }
+  }
 }
 
 QTEST_MAIN(tst_download)

@@ -53,6 +53,10 @@ class ScriptedDialogs : public Dialogs {
     const std::lock_guard lock(mutex_);
     return messages_;
   }
+  void forget() {
+    const std::lock_guard lock(mutex_);
+    messages_ = questions = panels = {};
+  }
   QStringList questions;
   QStringList panels;
 

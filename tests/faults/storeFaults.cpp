@@ -3,7 +3,7 @@
 
 #include "base/detachThread.h"
 #include "data/databaseFile.h"
-#include "device/usbOperating.h"
+#include "device/watchDownload.h"
 #include "export/fileWriter.h"
 #include "export/gpxWriter.h"
 #include "export/tcxWriter.h"
@@ -16,6 +16,9 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QMap>
+#include <QRegularExpression>
+#include <QScopeGuard>
 
 #include <cstdio>
 #include <sched.h>
@@ -183,59 +186,161 @@ void damage(Outcome& outcome, int rounds) {
   }
 }
 
-/// One download in this process; what getAllData() answers.
-qint32 download(const QString& node, const QString& folder) {
+/// One download in this process as the program makes it; given up when its line is lost.
+DownloadOutcome download(const QString& node, const StoreFolder& folder, double answerLimit = 5.0) {
   const auto registry = std::make_shared<FakeRegistry>();
   registry->plugWatch(node);
-  const auto session = std::make_shared<WatchSession>();
-  const DeviceEnvironment environment{registry, nullptr, 1.0, folder + "/lastDownload.txt"};
-  if (!usbOperating::create(environment, session)->linkCommand()) {
-    return 99;
-  }
-  return usbOperating::create(environment, session)->getAllData();
+  WatchDownload* self = nullptr;
+  WatchDownload download({registry, nullptr, answerLimit, folder.in("lastDownload.txt")},
+                         [&self](const DownloadProgress& progress) {
+                           if (progress.stalled) {
+                             self->cancel();
+                           }
+                         });
+  self = &download;
+  return download.run();
 }
 
-/// Unplugging at every 36th byte of a download, then at random ones; a download that then waits for
-/// ever is given up. What comes afterwards is a whole download.
+/// What comes after a fault is a whole download.
+void noteNext(Outcome& outcome, const EmulatedWatchOptions& good, const StoreFolder& folder,
+              qint64 runs, const QString& where) {
+  EmulatedWatch watch(good);
+  watch.start();
+  const qint32 code = download(watch.path(), folder).code;
+  const bool whole = code == downloadResult::stored || code == downloadResult::noRunCompleted;
+  outcome.note(whole ? problem(folder.database, runs, runs) : QString("code %1").arg(code),
+               "the download after it, " + where);
+}
+
+/// Unplugging at every 36th byte of a download, then at random ones. All in this process, in which
+/// nothing may stay behind.
 void unplug(Outcome& outcome, int rounds) {
   constexpr int runs = 2;
-  EmulatedWatchOptions options;
-  options.memory = makeMemory({.runs = runs, .pointsPerRun = 5});
-  options.fullSpeed = true;
-  const qsizetype total = 36 * (options.memory.size() + 1);
+  EmulatedWatchOptions good;
+  good.memory = makeMemory({.runs = runs, .pointsPerRun = 5});
+  good.fullSpeed = true;
+  const QDir threads("/proc/self/task");
+  const QDir descriptors("/proc/self/fd");
+  const auto before = std::pair(threads.count(), descriptors.count());
+  const qsizetype total = 36 * (good.memory.size() + 1);
   for (int round = 0; round <= total / 36 + rounds; ++round) {
-    const qsizetype at = round <= total / 36 ? 36 * round : qsizetype(chance() % size_t(total));
+    const qsizetype at =
+        round <= total / 36 ? qsizetype{36} * round : qsizetype(chance() % size_t(total));
+    const QString where = QString("unplugged after %1 bytes").arg(at);
     const StoreFolder folder;
-    options.hangUpAfter = at;
-    const pid_t child = inChild([&] {
-      EmulatedWatch watch(options);
-      watch.start();
-      std::atomic<int> code{-100};
-      std::thread([&] { code = download(watch.path(), folder.in("")); }).detach();
-      for (int waits = 0; code == -100 && (watch.isRunning() || waits < 20);
-           waits += watch.isRunning() ? 0 : 1) {
-        usleep(10000);
-      }
-      return code == 1 ? 1 : 2;
-    });
-    const int code = exitOf(child);
-    const int expected = code == 1 ? runs : 0;
-    outcome.note(code >= 0 ? problem(folder.database, expected, expected) : "a crash",
-                 QString("unplugged after %1 bytes").arg(at));
-    EmulatedWatch whole({.memory = options.memory, .fullSpeed = true});
-    whole.start();
-    const qint32 next = download(whole.path(), folder.in(""));
-    outcome.note(next == (expected == 0 ? 1 : 88) ? problem(folder.database, runs, runs)
-                                                  : QString("code %1").arg(next),
-                 QString("the download after %1 bytes").arg(at));
+    EmulatedWatchOptions unplugged = good;
+    unplugged.hangUpAfter = at;
+    EmulatedWatch watch(unplugged);
+    watch.start();
+    const qint32 code = download(watch.path(), folder, 0.3).code;
+    const int expected = code == downloadResult::stored ? runs : 0;
+    outcome.note(problem(folder.database, expected, expected), where);
+    noteNext(outcome, good, folder, runs, where);
   }
+  while (detachedThreadCount() > 0) {
+    usleep(1000);
+  }
+  outcome.note(
+      std::pair(threads.count(), descriptors.count()) == before ? QString() : "left behind",
+      "threads and descriptors");
 }
 
-/// For the faults that come from outside: `storeFaults download NODE FOLDER` waits to be continued.
-int downloadOnce(const QString& node, const QString& folder) {
-  setMainBundle({.path = folder + "/Trakko.app", .name = "Trakko"});
+/// Begins when it is continued, on a thread of its own as in the program; a hang is ended by the
+/// alarm. The exit code is how many runs were acknowledged.
+int downloadWhenContinued(const QString& node, const StoreFolder& folder) {
   (void)raise(SIGSTOP);
-  return download(node, folder);
+  alarm(10);
+  int acknowledged = 0;
+  std::atomic<bool> ended{false};
+  const bool started = detachThread("download", [&] {
+    const auto atAnyEnd = qScopeGuard([&ended] { ended = true; });
+    const DownloadOutcome outcome = download(node, folder, 1.0);
+    acknowledged = outcome.code == downloadResult::stored ? int(outcome.runsStored()) : 0;
+  });
+  while (started && !ended) {
+    usleep(1000);
+  }
+  return acknowledged;
+}
+
+/// A download under strace, which comes to it when it stands still, so that no call before it
+/// counts. How many runs it acknowledged, -1 after a crash or a hang.
+int traced(const EmulatedWatchOptions& good, const StoreFolder& folder, const QString& injection) {
+  EmulatedWatch watch(good);
+  watch.start();
+  const pid_t child = inChild([&] { return downloadWhenContinued(watch.path(), folder); });
+  waitpid(child, nullptr, WUNTRACED);
+  const pid_t tracer = inChild([&] {
+    return execlp("strace", "strace", "-f", "-qq", "-o", qPrintable(folder.in("trace")), "-e",
+                  qPrintable(injection), "-p", qPrintable(QString::number(child)), nullptr);
+  });
+  const QString status = QString("/proc/%1/status").arg(child);
+  while (bytesOf(status).contains("TracerPid:\t0\n") && waitpid(tracer, nullptr, WNOHANG) == 0) {
+    usleep(1000);
+  }
+  kill(child, SIGCONT);
+  const int acknowledged = exitOf(child);
+  waitpid(tracer, nullptr, 0);
+  return acknowledged;
+}
+
+/// The calls of a download that can fail, and the most that one thread makes of each.
+QMap<QString, int> callsIn(const QByteArray& trace) {
+  static const QRegularExpression one("^(\\d+) +(\\w+)\\(", QRegularExpression::MultilineOption);
+  static const QRegularExpression neverFails(
+      "^(futex|exit.*|rt_sig.*|rseq|set_robust_list|sched_yield|munmap|restart_syscall|clock_.*|get.*)$");
+  QHash<QString, int> ofThread;
+  QMap<QString, int> most;
+  for (auto found = one.globalMatch(QString::fromLatin1(trace)); found.hasNext();) {
+    const QRegularExpressionMatch call = found.next();
+    if (!neverFails.match(call.captured(2)).hasMatch()) {
+      int& made = most[call.captured(2)];
+      made = qMax(made, ++ofThread[call.captured()]);
+    }
+  }
+  return most;
+}
+
+/// Each of them failing, each time that a thread makes it; of two processes each takes every
+/// second.
+void failCalls(Outcome& outcome, int part) {
+  constexpr int runs = 2;
+  static const QHash<QString, QString> errors{{"pwrite64", "ENOSPC"}, {"mmap", "ENOMEM"},
+                                              {"brk", "ENOMEM"},      {"mprotect", "ENOMEM"},
+                                              {"clone3", "EAGAIN"},   {"openat", "EMFILE"}};
+  EmulatedWatchOptions good;
+  good.memory = makeMemory({.runs = runs, .pointsPerRun = 5});
+  good.fullSpeed = true;
+  QMap<QString, int> calls;
+  {
+    const StoreFolder folder;
+    QFile::remove(folder.database);  // the tables are made as well
+    outcome.note(traced(good, folder, "trace=all") == runs ? QString() : "fails",
+                 "no call failing");
+    calls = callsIn(bytesOf(folder.in("trace")));
+  }
+  int number = 0;
+  for (auto call = calls.cbegin(); call != calls.cend(); ++call) {
+    for (int time = 1; time <= call.value(); ++time) {
+      if (++number % 2 != part) {
+        continue;
+      }
+      const StoreFolder folder;
+      QFile::remove(folder.database);
+      const QString injection = QString("inject=%1:error=%2:when=%3")
+                                    .arg(call.key())
+                                    .arg(errors.value(call.key(), "EIO"))
+                                    .arg(time);
+      const int acknowledged = traced(good, folder, injection);
+      const QByteArray trace = bytesOf(folder.in("trace"));
+      const QByteArray failed = trace.first(qMax<qsizetype>(0, trace.indexOf(" (INJECTED)")));
+      const QString where = injection + ' ' + failed.mid(failed.lastIndexOf('\n') + 1).left(100);
+      outcome.note(
+          acknowledged < 0 ? "a crash or a hang" : problem(folder.database, acknowledged, runs),
+          where);
+      noteNext(outcome, good, folder, runs, where);
+    }
+  }
 }
 
 const std::map<QString, std::pair<void (*)(Outcome&, int), const char*>> proofs{
@@ -243,21 +348,14 @@ const std::map<QString, std::pair<void (*)(Outcome&, int), const char*>> proofs{
     {"power", {cutPower, "power cut at every write, three kinds each"}},
     {"full", {fillDisk, "disk full while storing, backing up, restoring, exporting"}},
     {"damage", {damage, "damaged databases read, exported, backed up"}},
-    {"unplug", {unplug, "unplugged while downloading, and the download after it"}}};
+    {"unplug", {unplug, "unplugged while downloading, and the download after it"}},
+    {"calls", {failCalls, "a system call of a download failing, and the download after it"}}};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   QLoggingCategory::setFilterRules("*=false");
   const QStringList arguments(argv + 1, argv + argc);
-  if (arguments.value(0) == "download") {
-    return downloadOnce(arguments.value(1), arguments.value(2));
-  }
-  if (arguments.value(0) == "check") {
-    const QString wrong = problem(arguments.value(1), 0, arguments.value(2).toLongLong());
-    std::fputs(qPrintable(wrong), stdout);
-    return wrong.isNull() ? 0 : 1;
-  }
   const auto proof = proofs.find(arguments.value(0));
   if (proof == proofs.end()) {
     return 2;
