@@ -3,6 +3,8 @@
 #include "base/text.h"
 #include "data/dataControl.h"
 #include "device/downloadDecoder.h"
+#include "tests/app/windowFixture.h"
+#include "tests/map/trackOf.h"
 
 #include <QTest>
 
@@ -11,9 +13,11 @@ inline void storeRuns(int count, int points = 12) {
   DownloadBatch batch;
   for (int i = 1; i <= count; ++i) {
     const QString key = QString::number(i);
-    runData run;
-    run.T_RunStartTime = QString("2026-05-%1 07:30:00").arg(i, 2, 10, QChar(u'0'));
-    run.T_RunEndTime = QString("2026-05-%1 08:00:00").arg(i, 2, 10, QChar(u'0'));
+    const QString day = QString::asprintf("2026-05-%02d ", i);
+    batch.runArr << key;
+    runData& run = batch.runMD[key];
+    run.T_RunStartTime = day + "07:30:00";
+    run.T_RunEndTime = day + "08:00:00";
     run.T_RunExTime = "00:30:00.00";
     run.T_RunDistance = "500000";
     run.T_RunCal = "3215000";
@@ -25,10 +29,8 @@ inline void storeRuns(int count, int points = 12) {
     run.T_RunLap = 2;
     run.T_RunTrackPoint = points;
     run.T_Cnumber = i;
-    batch.runMD.insert(key, run);
-    batch.runArr << key;
     for (int lap = 1; lap <= 2; ++lap) {
-      lapData record;
+      lapData& record = batch.lapMD[key + QString::asprintf("-%05d", lap)];
       record.T_LapType = QString("Lap %1").arg(lap);
       record.T_LapTime = "00:05:12.34";
       record.T_LapDistance = "123456";
@@ -40,16 +42,11 @@ inline void storeRuns(int count, int points = 12) {
       record.T_LapTimeZone = "08:00:00";
       record.T_LapNo = lap;
       record.T_Cnumber = i;
-      batch.lapMD.insert(key + "-" + dataControl::returnKeyStr(QString::number(lap)), record);
     }
     for (int n = 1; n <= points; ++n) {
-      trackPointData point;
-      point.T_PointTime =
-          QString("07:%1:%2").arg(n / 60, 2, 10, QChar(u'0')).arg(n % 60, 2, 10, QChar(u'0'));
-      point.T_PointLatSign = "N";
-      point.T_PointLogSign = "E";
-      point.T_PointLatitudeN = text::fixed(35.0 + i + n * 0.001, 6);
-      point.T_PointLongitudeN = text::fixed(139.0 + n * 0.001, 6);
+      trackPointData& point = batch.pointMD[key + QString::asprintf("-%05d", n)];
+      point = pointAt(text::fixed(35.0 + i + n * 0.001, 6), text::fixed(139.0 + n * 0.001, 6));
+      point.T_PointTime = QString::asprintf("07:%02d:%02d", n / 60, n % 60);
       point.T_PointDistance = QString::number(n * 310);
       point.T_PointSpeed = "600";
       point.T_PointHR = "652";
@@ -57,9 +54,25 @@ inline void storeRuns(int count, int points = 12) {
       point.T_PointAlti = "17";
       point.T_Setid = n;
       point.T_Cnumber = i;
-      batch.pointMD.insert(key + "-" + dataControl::returnKeyStr(QString::number(n)), point);
     }
   }
   dataControl().getInt();  // makes the tables
   QCOMPARE(dataControl().getSqlArr(batch.runMD, batch.lapMD, batch.pointMD, batch.runArr), 1);
 }
+
+/// The window after its start on a store with some runs, number `runs` the newest.
+struct StartedWindow : WindowFixture {
+  explicit StartedWindow(int runs, int points = 12) {
+    if (runs > 0) {
+      storeRuns(runs, points);
+    }
+    start();
+  }
+
+  /// The first run is drawn and forgotten.
+  void mapLoads() {
+    controller->didReceiveTitle("Map Load OK");
+    settle();
+    map.calls.clear();
+  }
+};

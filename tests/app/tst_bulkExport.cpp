@@ -3,7 +3,7 @@
 #include "app/exportManyDialog.h"
 #include "app/totalsPane.h"
 #include "tests/app/storedRuns.h"
-#include "tests/app/windowFixture.h"
+#include "tests/columns.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -19,29 +19,23 @@ class tst_bulkExport : public QObject {
 
  private Q_SLOTS:
   static void runs_data() {
-    QTest::addColumn<QString>("period");
-    QTest::addColumn<QStringList>("existing");
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<QString>("line");
+    const auto row =
+        columns<QString, QStringList, QStringList, QString>("period", "existing", "files", "line");
     const QString third = "20260503073000.GPX";
     const QString fourth = "20260504073000.GPX";
     const QStringList all{"20260501073000.GPX", "20260502073000.GPX", third, fourth};
-    QTest::newRow("all") << "すべてのラン" << QStringList() << all
-                         << "4件を「%1」に書き出しました。";
+    row("all", "すべてのラン", QStringList(), all, "4件を「%1」に書き出しました。");
     // Of the week that begins on Monday, the fourth of May.
-    QTest::newRow("chosen week") << "集計で選んだ期間" << QStringList() << QStringList{fourth}
-                                 << "1件を「%1」に書き出しました。";
-    QTest::newRow("one is there")
-        << "すべてのラン" << QStringList{third} << all
-        << "3件を「%1」に書き出しました。1件は同じ名前のファイルがあるため書き出しませんでした。";
+    row("chosen week", "集計で選んだ期間", QStringList(), {fourth},
+        "1件を「%1」に書き出しました。");
+    row("one is there", "すべてのラン", {third}, all,
+        "3件を「%1」に書き出しました。1件は同じ名前のファイルがあるため書き出しませんでした。");
   }
 
   static void runs() {
     QFETCH(QString, period);
     QFETCH(QStringList, existing);
-    WindowFixture fixture;
-    storeRuns(4);
-    fixture.start();
+    StartedWindow fixture(4);
     chooseNewestWeek(*fixture.window);
     QTemporaryDir folder;
     for (const QString& name : existing) {

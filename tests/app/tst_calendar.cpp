@@ -2,10 +2,10 @@
 #include "app/calendarMonth.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
+#include "tests/columns.h"
 
 #include <QImage>
 #include <QPainter>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -48,7 +48,7 @@ struct View : DFView {
 
 }  // namespace
 
-class TestCalendar : public QObject {
+class tst_calendar : public QObject {
   Q_OBJECT
 
  private:
@@ -71,30 +71,16 @@ class TestCalendar : public QObject {
     QFile::remove(folder_.filePath("gpsData.db3"));
   }
 
-  static void lengthOfMonths_data() {
-    QTest::addColumn<int>("year");
-    QTest::addColumn<int>("month");
-    QTest::addColumn<int>("days");
-    QTest::newRow("a century is no leap year") << 1900 << 2 << 28;
-    QTest::newRow("four centuries are") << 2000 << 2 << 29;
-    QTest::newRow("December") << 2023 << 12 << 31;
-    QTest::newRow("month 0 counts as February") << 2024 << 0 << 29;
-    QTest::newRow("month 13, too") << 2023 << 13 << 28;
-  }
-
-  static void lengthOfMonths() {
-    QFETCH(int, year);
-    QFETCH(int, month);
-    QTEST(DFView::monthCount(year, month), "days");
+  static void monthsThatAreNone() {
+    QCOMPARE(DFView::monthCount(2024, 0), 29);
+    QCOMPARE(DFView::monthCount(2023, 13), 28);
   }
 
   static void layout_data() {
-    QTest::addColumn<QDate>("month");
-    QTest::addColumn<QPointF>("first");
-    QTest::addColumn<QPointF>("last");
-    QTest::newRow("from Monday") << QDate(2024, 4, 1) << QPointF(50, 100) << QPointF(100, 20);
-    QTest::newRow("from Sunday") << QDate(2023, 10, 1) << QPointF(350, 100) << QPointF(100, 0);
-    QTest::newRow("four weeks") << QDate(2021, 2, 1) << QPointF(50, 100) << QPointF(350, 40);
+    const auto row = columns<QDate, QPointF, QPointF>("month", "first", "last");
+    row("from Monday", QDate(2024, 4, 1), QPointF(50, 100), QPointF(100, 20));
+    row("from Sunday", QDate(2023, 10, 1), QPointF(350, 100), QPointF(100, 0));
+    row("four weeks", QDate(2021, 2, 1), QPointF(50, 100), QPointF(350, 40));
   }
 
   static void layout() {
@@ -109,22 +95,20 @@ class TestCalendar : public QObject {
   }
 
   static void steps_data() {
-    QTest::addColumn<QDate>("day");
-    QTest::addColumn<QPoint>("point");
-    QTest::addColumn<QDate>("month");
+    const auto row = columns<QDate, QPoint, QDate>("day", "point", "month");
     const QDate before = january.addMonths(-1);
     const QDate after = january.addMonths(1);
-    QTest::newRow("back, lowest corner") << january << QPoint(8, 135) << before;
-    QTest::newRow("back, highest corner") << january << QPoint(23, 145) << before;
-    QTest::newRow("above the mark") << january << QPoint(15, 150) << january;
-    QTest::newRow("below it") << january << QPoint(15, 134) << january;
-    QTest::newRow("beside it") << january << QPoint(24, 140) << january;
-    QTest::newRow("on") << january << QPoint(400, 145) << after;
-    QTest::newRow("right of it") << january << QPoint(416, 140) << january;
-    QTest::newRow("a day") << january << QPoint(55, 105) << january;
-    QTest::newRow("over the year") << QDate(2023, 12, 31) << QPoint(415, 135) << january;
-    QTest::newRow("from a 31st") << QDate(2023, 3, 31) << QPoint(15, 140) << QDate(2023, 2, 1);
-    QTest::newRow("the last") << QDate(9999, 12, 1) << QPoint(410, 140) << QDate(9999, 12, 1);
+    row("back, lowest corner", january, QPoint(8, 135), before);
+    row("back, highest corner", january, QPoint(23, 145), before);
+    row("above the mark", january, QPoint(15, 150), january);
+    row("below it", january, QPoint(15, 134), january);
+    row("beside it", january, QPoint(24, 140), january);
+    row("on", january, QPoint(400, 145), after);
+    row("right of it", january, QPoint(416, 140), january);
+    row("a day", january, QPoint(55, 105), january);
+    row("over the year", QDate(2023, 12, 31), QPoint(415, 135), january);
+    row("from a 31st", QDate(2023, 3, 31), QPoint(15, 140), QDate(2023, 2, 1));
+    row("the last", QDate(9999, 12, 1), QPoint(410, 140), QDate(9999, 12, 1));
   }
 
   static void steps() {
@@ -198,5 +182,5 @@ class TestCalendar : public QObject {
   }
 };
 
-QTEST_MAIN(TestCalendar)
+QTEST_MAIN(tst_calendar)
 #include "tst_calendar.moc"

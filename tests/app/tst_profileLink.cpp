@@ -1,6 +1,7 @@
 #include "app/profileLink.h"
 #include "app/profilePane.h"
 #include "tests/app/windowFixture.h"
+#include "tests/columns.h"
 #include "web/webEngine.h"
 
 #include <QApplication>
@@ -8,7 +9,6 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTcpServer>
-#include <QTestEventLoop>
 #include <QWebEnginePage>
 #include <QtTest>
 
@@ -53,29 +53,21 @@ class tst_profileLink : public QObject {
   }
 
   void othersFollowTheCurve_data() {
-    QTest::addColumn<QString>("act");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("onMap");
-    QTest::addColumn<QString>("values");
+    const auto row = columns<QString, int, QString, QString>("act", "row", "onMap", "values");
     const QString right = "key('ArrowRight');", away = "act('pointerleave', 0);";
-    QTest::newRow("key") << right << 0 << "35.000001,139.000000"
-                         << "0.000 km   07:30:00   05'00 /km   140 bpm   5 m";
-    QTest::newRow("keys") << right + right + right + "key('ArrowLeft');" << 1
-                          << "35.000001,139.001000"
-                          << "0.010 km   07:30:05   05'00 /km   140 bpm   6 m";
-    QTest::newRow("beyond the start") << right + "key('ArrowLeft');" << 0 << "35.000001,139.000000"
-                                      << "0.000 km   07:30:00   05'00 /km   140 bpm   5 m";
-    QTest::newRow("pointer at the end")
-        << "act('pointermove', 5000);" << 59 << "35.000001,139.059000"
-        << "0.590 km   07:34:55   05'00 /km   140 bpm   64 m";
-    QTest::newRow("nothing measured") << right.repeated(21) << 20 << "35.000001,139.020000"
-                                      << "0.200 km   07:31:40   25 m";
-    QTest::newRow("no position") << right.repeated(12) << 11 << "360,360"
-                                 << "0.110 km   07:30:55   05'00 /km   140 bpm   16 m";
-    QTest::newRow("pointer away") << right + right + away << 1 << "360,360"
-                                  << "";
-    QTest::newRow("pointer away before it was there") << away << -1 << ""
-                                                      << "";
+    row("key", right, 0, "35.000001,139.000000", "0.000 km   07:30:00   05'00 /km   140 bpm   5 m");
+    row("keys", right + right + right + "key('ArrowLeft');", 1, "35.000001,139.001000",
+        "0.010 km   07:30:05   05'00 /km   140 bpm   6 m");
+    row("beyond the start", right + "key('ArrowLeft');", 0, "35.000001,139.000000",
+        "0.000 km   07:30:00   05'00 /km   140 bpm   5 m");
+    row("pointer at the end", "act('pointermove', 5000);", 59, "35.000001,139.059000",
+        "0.590 km   07:34:55   05'00 /km   140 bpm   64 m");
+    row("nothing measured", right.repeated(21), 20, "35.000001,139.020000",
+        "0.200 km   07:31:40   25 m");
+    row("no position", right.repeated(12), 11, "360,360",
+        "0.110 km   07:30:55   05'00 /km   140 bpm   16 m");
+    row("pointer away", right + right + away, 1, "360,360", "");
+    row("pointer away before it was there", away, -1, "", "");
   }
   void othersFollowTheCurve() {
     QFETCH(QString, act);
@@ -92,13 +84,11 @@ class tst_profileLink : public QObject {
   }
 
   void curveFollowsTheTables_data() {
-    QTest::addColumn<bool>("lap");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("distance");
-    QTest::newRow("point") << false << 30 << "0.300 km";
-    QTest::newRow("first lap") << true << 1 << "0.000 km";
-    QTest::newRow("second lap") << true << 2 << "0.260 km";
-    QTest::newRow("summary") << true << 0 << "";
+    const auto row = columns<bool, int, QString>("lap", "row", "distance");
+    row("point", false, 30, "0.300 km");
+    row("first lap", true, 1, "0.000 km");
+    row("second lap", true, 2, "0.260 km");
+    row("summary", true, 0, "");
   }
   void curveFollowsTheTables() {
     QFETCH(bool, lap);
@@ -124,19 +114,13 @@ class tst_profileLink : public QObject {
   }
 
   void notes_data() {
-    QTest::addColumn<int>("points");
-    QTest::addColumn<QString>("without");
-    QTest::addColumn<QString>("note");
-    QTest::newRow("all there") << 60 << ""
-                               << "";
-    QTest::newRow("no points") << 0 << ""
-                               << "このランにはトラックポイントがありません。";
-    QTest::newRow("no heart rate") << 60 << "heart"
-                                   << "このランには心拍数のデータがありません。";
-    QTest::newRow("only points") << 60 << "pace heart altitude"
-                                 << "このランにはペース、心拍数、高度のデータがありません。";
-    QTest::newRow("no run") << -1 << ""
-                            << "ランを選ぶとプロフィールが表示されます。";
+    const auto row = columns<int, QString, QString>("points", "without", "note");
+    row("all there", 60, "", "");
+    row("no points", 0, "", "このランにはトラックポイントがありません。");
+    row("no heart rate", 60, "heart", "このランには心拍数のデータがありません。");
+    row("only points", 60, "pace heart altitude",
+        "このランにはペース、心拍数、高度のデータがありません。");
+    row("no run", -1, "", "ランを選ぶとプロフィールが表示されます。");
   }
   void notes() {
     QFETCH(int, points);

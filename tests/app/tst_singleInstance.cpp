@@ -1,9 +1,7 @@
 #include "app/singleInstance.h"
+#include "tests/columns.h"
 
-#include <QDir>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #include <atomic>
 #include <sys/stat.h>
@@ -55,11 +53,10 @@ class tst_singleInstance : public QObject {
 
   // Whatever lies where a lock file could.
   static void locks_data() {
-    QTest::addColumn<bool>("isFolder");
-    QTest::addColumn<uid_t>("user");
-    QTest::newRow("nothing") << false << uid_t{0};
-    QTest::newRow("folder") << true << uid_t{0};
-    QTest::newRow("another user") << false << uid_t{65534};
+    const auto row = columns<bool, uid_t>("isFolder", "user");
+    row("nothing", false, 0);
+    row("folder", true, 0);
+    row("another user", false, 65534);
   }
   static void locks() {
     QFETCH(const bool, isFolder);

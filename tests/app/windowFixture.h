@@ -4,14 +4,10 @@
 #include "app/TrakkoAppDelegate.h"
 #include "base/detachThread.h"
 #include "data/bundle.h"
-#include "device/usbRegistry.h"
+#include "tests/device/fakeRegistry.h"
 #include "web/mapView.h"
 
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #include <functional>
 #include <memory>
@@ -65,24 +61,6 @@ class ScriptedDialogs : public Dialogs {
   QStringList messages_;
 };
 
-/// A registry that holds one watch behind the given device file, or nothing.
-class OneWatchRegistry : public UsbRegistry {
- public:
-  QString node;  ///< Null: no watch is connected.
-
-  std::optional<QList<UsbDevice>> devices(quint16 vendor, quint16 product) const override {
-    const bool present = !node.isNull() && vendor == 4292 && product == 60000;
-    return present ? QList<UsbDevice>{{"watch", path(), {}}} : QList<UsbDevice>{};
-  }
-  QList<SerialClient> serialClients() const override {
-    return node.isNull() ? QList<SerialClient>{}
-                         : QList<SerialClient>{{"watch", path(), watchCalloutDevice, node}};
-  }
-
- private:
-  static QString path() { return QString(120, u'w'); }
-};
-
 /// Stands for the map page and remembers what was asked of it.
 class RecordingMap : public MapView {
  public:
@@ -102,7 +80,7 @@ class RecordingMap : public MapView {
 struct WindowFixture {
   QTemporaryDir folder;
   std::shared_ptr<ScriptedDialogs> dialogs = std::make_shared<ScriptedDialogs>();
-  std::shared_ptr<OneWatchRegistry> registry = std::make_shared<OneWatchRegistry>();
+  std::shared_ptr<FakeRegistry> registry = std::make_shared<FakeRegistry>();
   RecordingMap map;
   std::unique_ptr<TrakkoAppDelegate> controller;
   std::unique_ptr<MainWindow> window;

@@ -1,50 +1,54 @@
 #include "storeFolder.h"
+#include "tests/columns.h"
 
-#include <QProcess>
 #include <QtTest>
 
-class BundleTest : public QObject {
+class tst_bundle : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
+  static void databaseBesideTheBundle_data() {
+    const auto row = columns<QString>("database");
+    row("/home/\u8d70\u8005/Trakko.app", "/home/\u8d70\u8005/gpsData.db3");
+    row("/Trakko.app", "/gpsData.db3");
+    row("/a/My Trakko.app", "/a/My gpsData.db3");
+    row("/a/b/c/T.app", "/agpsData.db3");
+    row("/T.app", {});
+  }
   static void databaseBesideTheBundle() {
-    const QList<std::pair<QString, QString>> rows{
-        {"/home/\u8d70\u8005/Trakko.app", "/home/\u8d70\u8005/gpsData.db3"},
-        {"/Trakko.app", "/gpsData.db3"},
-        {"/a/My Trakko.app", "/a/My gpsData.db3"},
-        {"/a/b/c/T.app", "/agpsData.db3"},
-        {"/T.app", {}}};
-    for (const auto& [path, database] : rows) {
-      const Bundle bundle{.path = path, .name = "Trakko"};
-      QCOMPARE(databasePath(bundle), database);
-      QCOMPARE(folderBeside(bundle).isNull(), database.isNull());
-    }
+    QFETCH(QString, database);
+    const Bundle bundle{.path = QTest::currentDataTag(), .name = "Trakko"};
+    QCOMPARE(databasePath(bundle), database);
+    QCOMPARE(folderBeside(bundle).isNull(), database.isNull());
   }
 
+  static void information_data() {
+    const auto row = columns<QByteArray, QString>("dictionary", "name");
+    row("second key",
+        "<key>CFBundleVersion</key><string>1</string>"
+        "<key>CFBundleName</key>\n <string>A &amp; B</string>",
+        "A & B");
+    row("key of an inner dictionary",
+        "<key>Inner</key><dict><key>CFBundleName</key><string>no</string></dict>"
+        "<key>Yes</key><true/><key>List</key><array><string>no</string></array>"
+        "<key>CFBundleName</key><string>Outer</string>",
+        "Outer");
+    row("no text", "<key>CFBundleName</key><true/>", "Trakko");
+    row("empty", "<key>CFBundleName</key><string/>", "Trakko");
+    row("no XML", QByteArray("\0\xff<", 3), "Trakko");
+  }
   static void information() {
-    const QList<std::pair<QByteArray, QString>> rows{
-        {"<key>CFBundleVersion</key><string>1</string>"
-         "<key>CFBundleName</key>\n <string>A &amp; B</string>",
-         "A & B"},
-        {"<key>Inner</key><dict><key>CFBundleName</key><string>no</string></dict>"
-         "<key>Yes</key><true/><key>List</key><array><string>no</string></array>"
-         "<key>CFBundleName</key><string>Outer</string>",
-         "Outer"},
-        {"<key>CFBundleName</key><true/>", "Trakko"},
-        {"<key>CFBundleName</key><string/>", "Trakko"},
-        {QByteArray("\0\xff<", 3), "Trakko"}};
+    QFETCH(QByteArray, dictionary);
     const QTemporaryDir folder;
     const QString program = folder.filePath("Any.app/Contents/Trakko");
     QCOMPARE(bundleOfProgram(program).name, "Trakko");
     QVERIFY(QDir(folder.path()).mkpath("Any.app/Contents"));
-    for (const auto& [dictionary, name] : rows) {
-      writeBytes(folder.filePath("Any.app/Contents/Info.plist"),
-                 "<?xml version=\"1.0\"?><!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                 "\"http://nowhere.invalid/p.dtd\"><plist version=\"1.0\"><dict>" +
-                     dictionary + "</dict></plist>");
-      QCOMPARE(bundleOfProgram(program).name, name);
-      QCOMPARE(bundleOfProgram(program).path, folder.filePath("Any.app"));
-    }
+    writeBytes(folder.filePath("Any.app/Contents/Info.plist"),
+               "<?xml version=\"1.0\"?><!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+               "\"http://nowhere.invalid/p.dtd\"><plist version=\"1.0\"><dict>" +
+                   dictionary + "</dict></plist>");
+    QTEST(bundleOfProgram(program).name, "name");
+    QCOMPARE(bundleOfProgram(program).path, folder.filePath("Any.app"));
   }
 
   static void pathAsStarted() {
@@ -86,7 +90,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   const QCoreApplication application(argc, argv);
-  BundleTest tests;
+  tst_bundle tests;
   return QTest::qExec(&tests, argc, argv);
 }
 #include "tst_bundle.moc"

@@ -1,4 +1,5 @@
 #include "storeFolder.h"
+#include "tests/columns.h"
 
 #include <QtTest>
 
@@ -153,13 +154,13 @@ class tst_dataControl : public QObject {
 
   // New runs are numbered behind the largest number: none of theirs may be taken.
   static void largestNumber_data() {
-    QTest::addColumn<qint64>("largest");
+    const auto row = columns<qint64>("largest");
     for (const char* values : {"('x'),(3)", "(1e300),(3),(9e18)", "(2147483648),(4294967296),(3)",
                                "(9223372036854775807),(3)"}) {
-      QTest::newRow(values) << qint64{3};
+      row(values, 3);
     }
-    QTest::newRow("(2147483647)") << qint64{2147483647};
-    QTest::newRow("(-7),(null),(0)") << qint64{0};
+    row("(2147483647)", 2147483647);
+    row("(-7),(null),(0)", 0);
   }
   static void largestNumber() {
     QFETCH(const qint64, largest);

@@ -1,6 +1,7 @@
 #include "data/databaseFile.h"
 #include "data/databaseUse.h"
 #include "storeFolder.h"
+#include "tests/columns.h"
 
 #include <QtTest>
 
@@ -163,11 +164,11 @@ class tst_databaseFile : public QObject {
   }
 
   void backsUpOntoNothing_data() {
-    QTest::addColumn<Failure>("failure");
+    const auto row = columns<Failure>("failure");
     for (const char* name : {"backup.db3", "gpsData.db3", "link.db3"}) {
-      QTest::newRow(name) << Failure::exists;
+      row(name, Failure::exists);
     }
-    QTest::newRow("folder/copy.db3") << Failure::unwritable;
+    row("folder/copy.db3", Failure::unwritable);
   }
   void backsUpOntoNothing() {
     QVERIFY(QFile::link(in("nowhere"), in("link.db3")));
@@ -251,12 +252,7 @@ class tst_databaseFile : public QObject {
 
   // Files that something is wrong with: in the place of the database, looked at, chosen.
   void damaged_data() {
-    QTest::addColumn<QString>("kept");
-    QTest::addColumn<Finding>("finding");
-    QTest::addColumn<Failure>("failure");
-    const auto row = [](const char* how, const QString& kept, Finding finding, Failure failure) {
-      QTest::newRow(how) << kept << finding << failure;
-    };
+    const auto row = columns<QString, Finding, Failure>("kept", "finding", "failure");
     const QString malformed = "database disk image is malformed";
     row("garbage", "file is not a database", Finding::noDatabase, Failure::none);
     row("empty", "no such table: T_RunData", Finding::tablesMissing, Failure::none);
@@ -324,11 +320,10 @@ class tst_databaseFile : public QObject {
   // there under one of its names, and what was put aside earlier, too; and the restore can be done
   // again.
   void killed_data() {
-    QTest::addColumn<bool>("journals");
-    QTest::addColumn<bool>("undo");
-    QTest::newRow("nothing") << false << false;
-    QTest::newRow("journals") << true << false;
-    QTest::newRow("undo") << false << true;
+    const auto row = columns<bool, bool>("journals", "undo");
+    row("nothing", false, false);
+    row("journals", true, false);
+    row("undo", false, true);
   }
   void killed() {
     QFETCH(const bool, journals);

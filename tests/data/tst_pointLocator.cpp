@@ -1,6 +1,7 @@
 #include "data/fileState.h"
 #include "data/pointLocator.h"
 #include "storeFolder.h"
+#include "tests/columns.h"
 
 #include <QtTest>
 
@@ -10,11 +11,7 @@ class tst_pointLocator : public QObject {
 
  private Q_SLOTS:
   static void sameAnswer_data() {
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("after");
-    QTest::addColumn<bool>("known");
-    const auto row = [](const char* name, const QByteArray& before, const QByteArray& after,
-                        bool known) { QTest::newRow(name) << before << after << known; };
+    const auto row = columns<QByteArray, QByteArray, bool>("before", "after", "known");
     const QByteArray shuffle =
         "update T_TrackPointData set ID=-ID; update T_TrackPointData set ID=1000+ID*37%101;";
     // As a stranger's program may leave them: of other kinds in the column of whole numbers.

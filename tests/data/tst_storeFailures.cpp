@@ -1,10 +1,10 @@
 #include "data/schemaCheck.h"
 #include "storeFolder.h"
+#include "tests/columns.h"
 
 #include <QtTest>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -76,12 +76,7 @@ class tst_storeFailures : public QObject {
   // A restored file may hold more than tables: nothing in it runs, and the store comes back.
   static void strangersSchema_data() {
     using schemaCheck::Finding;
-    QTest::addColumn<QByteArray>("sql");
-    QTest::addColumn<Finding>("finding");
-    QTest::addColumn<qint32>("stored");
-    const auto row = [](const char* name, const QByteArray& sql, Finding finding, qint32 stored) {
-      QTest::newRow(name) << sql << finding << stored;
-    };
+    const auto row = columns<QByteArray, Finding, qint32>("sql", "finding", "stored");
     const QByteArray endless =
         "drop table T_RunData; create view T_RunData as with recursive r(i) as "
         "(select 1 union all select i+1 from r) select i ID,i T_RunStartTime from r";
@@ -113,33 +108,21 @@ class tst_storeFailures : public QObject {
     QTEST(dataControl().getRunData("ALL", {}).isEmpty() ? -1 : 1, "stored");
   }
 
-  static void otherFiles() {
-    using schemaCheck::Finding;
-    const StoreFolder folder;
-    const QByteArray whole = bytesOf(folder.database);
-    const std::array files{std::pair(QByteArray(), Finding::tablesMissing),
-                           std::pair(QByteArray(5000, 'x'), Finding::noDatabase),
-                           std::pair(whole.first(whole.size() - 4096), Finding::noDatabase)};
-    for (const auto& [bytes, finding] : files) {
-      writeBytes(folder.in("other"), bytes);
-      QCOMPARE(schemaCheck::check(folder.in("other")), finding);
-    }
-    QCOMPARE(schemaCheck::check(folder.in("nowhere")), Finding::unreadable);
-  }
-
   // A destroyed page must not pass for runs without points, nor the numbers that it hid for free.
   static void damagedPages_data() {
-    QTest::addColumn<bool>("known");
-    QTest::newRow("T_TrackPointData") << true;
-    QTest::newRow("T_RunData") << false;
+    const auto row = columns<bool>("known");
+    row("T_TrackPointData", true);
+    row("T_RunData", false);
+    row("the last points", true);
   }
   static void damagedPages() {
     const QByteArray table = QTest::currentDataTag();
     const StoreFolder folder;
     QCOMPARE(oneRun(100).store(), 1);
-    const int page =
+    const int root =
         folder.ask("select rootpage from sqlite_master where name='" + table + '\'').toInt();
     QByteArray bytes = bytesOf(folder.database);
+    const qsizetype page = root > 0 ? root : bytes.size() / 4096;
     writeBytes(folder.database, bytes.replace((page - 1) * 4096, 4096, QByteArray(4096, '\xff')));
     dataControl data;
     QVERIFY(data.getTrackData(1).isEmpty());
@@ -221,39 +204,6 @@ class tst_storeFailures : public QObject {
     { const dataControl data; }
     QCOMPARE(oneRun().store(), 1);
     QCOMPARE(folder.counts(), "1|1|0|3");
-  }
-
-  static void killedWhileStoring() {
-    const StoreFolder folder;
-    constexpr int points = 9000;  // more than the page cache holds: the file changes before the end
-    const QString journal = folder.database + "-journal";
-    int interrupted = 0;
-    for (int round = 0; round < 8; ++round) {
-      const pid_t child = fork();
-      if (child == 0) {
-        for (int number = round * 100 + 1;; ++number) {
-          Batch batch;
-          batch.add(number, "n", 1, points);
-          batch.store();
-        }
-      }
-      // Let it store a run, then end it while the next one is half in the file.
-      const quint32 before = folder.commits();
-      QTRY_VERIFY(folder.commits() > before + 1);  // the counter is written before the commit
-      QTRY_VERIFY(QFileInfo(journal).size() > 0);
-      QTest::qWait(round * 3);
-      kill(child, SIGKILL);
-      waitpid(child, nullptr, 0);
-      interrupted += QFileInfo(journal).size() > 0 ? 1 : 0;
-
-      QCOMPARE(folder.ask("PRAGMA integrity_check"), "ok");
-      QVERIFY(dataControl().getRunData("ALL", {}).size() > round);
-      QCOMPARE(folder.ask("select distinct count(*) from T_TrackPointData group by T_Cnumber"),
-               QString::number(points));
-      QCOMPARE(folder.ask("select T_Cnumber from T_RunData order by 1"),
-               folder.ask("select distinct T_Cnumber from T_TrackPointData order by 1"));
-    }
-    QVERIFY(interrupted > 0);
   }
 };
 

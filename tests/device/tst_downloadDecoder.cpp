@@ -1,7 +1,7 @@
 #include "device/downloadDecoder.h"
+#include "tests/columns.h"
 
-#include <QLoggingCategory>
-#include <QTest>
+#include <QtTest>
 
 #include <array>
 #include <limits>
@@ -93,15 +93,15 @@ class tst_downloadDecoder : public QObject {
       DecodeContext context = utcContext();
       context.checkAlti = checkAlti;
       context.highestNumber = 41;
+      context.idNoStr = "A 01";
       const DecodedDownload decoded = decodeDownload(lines, context);
       QCOMPARE(decoded.cnumber, 42);
       QCOMPARE(decoded.batch.runArr, QStringList{"0A"});
       const runData run("2014-05-17 07:30:05", "2014-05-17 08:32:08", "01:02:03.04", "100000",
                         "600000", 1, "258", "154", "180", "120", "80", "09:08:07", 1, "0", "Runé'",
                         QString::number(checkAlti), altitude[0], altitude[1], altitude[2], 42, {},
-                        {});
+                        "A 01");
       QVERIFY(decoded.batch.runMD.value("0A") == run);
-      QVERIFY(decoded.batch.runMD.value("0A").T_IdNumber.isNull());
       const lapData lap("01:02:03.04", "100000", "600000", "Lap 1", 1, "180", "120", "180", "150",
                         "80", "09:08:07", altitude[3], "0", "0", 42);
       QVERIFY(decoded.batch.lapMD == LapDictionary({{"0A-00001", lap}}));
@@ -174,11 +174,8 @@ class tst_downloadDecoder : public QObject {
   }
 
   void whatBelongsTogether_data() {
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QString>("expected");  // see summary()
-    const auto row = [](const char* name, const QStringList& lines, const char* expected) {
-      QTest::newRow(name) << lines << QString(expected);
-    };
+    // "expected": see summary()
+    const auto row = columns<QStringList, QString>("lines", "expected");
     const QString headA = header("0A");
     const QString headB = header("0B", "12");
     const QString lapA = runLine(1, "0A");
@@ -235,19 +232,6 @@ class tst_downloadDecoder : public QObject {
     QTEST(summary(decodeDownload(lines, utcContext())), "expected");
   }
 
-  void numbers() {
-    using Limits = std::numeric_limits<qint64>;
-    DecodeContext context = utcContext();
-    context.highestNumber = Limits::max() - 1;
-    context.idNoStr = "A 01";
-    const QStringList lines{header("0A"), runLine(1, "0A"), header("0B", "12"), runLine(1, "0B")};
-    const DownloadBatch batch = decodeDownload(lines, context).batch;
-    QCOMPARE(batch.runMD.value("0A").T_Cnumber, Limits::max());
-    QCOMPARE(batch.lapMD.value("0A-00001").T_Cnumber, Limits::max());
-    QCOMPARE(batch.runMD.value("0B").T_Cnumber, Limits::min());
-    QCOMPARE(batch.runMD.value("0B").T_IdNumber, "A 01");
-  }
-
   void coordinates() {
     // Bytes 15-19, 20-25; texts, signs and numbers.
     const QList<std::array<const char*, 3>> rows{
@@ -274,13 +258,6 @@ class tst_downloadDecoder : public QObject {
       QCOMPARE(found.join(' '), expected);
       QVERIFY(!point.T_PointLatSign.isNull());  // a zero character is no absent value
     }
-  }
-
-  void textPieces() {
-    for (const char* text : {"0", "12", "-5", "+5", "", "-", "A", "1A", "1.0", "٣"}) {
-      QCOMPARE(isPureInt(text), QStringList({"0", "12", "-5", "+5"}).contains(text));
-    }
-    QCOMPARE(getStrArray("0A1BF"), (QStringList{"0A", "1B"}));
   }
 };
 

@@ -1,29 +1,17 @@
 #include "base/detachThread.h"
-#include "data/bundle.h"
-#include "data/dataControl.h"
+#include "device/downloadResult.h"
 #include "device/lastDownload.h"
 #include "device/replay.h"
 #include "device/serialPort.h"
-#include "device/usbOperating.h"
 #include "device/watchDownload.h"
-#include "fakeRegistry.h"
+#include "linkTest.h"
 #include "pseudoTerminal.h"
-#include "tests/files.h"
-#include "tools/watchsim/emulatedWatch.h"
+#include "tests/columns.h"
 #include "tools/watchsim/watchBlocks.h"
-#include "tools/watchsim/watchMemory.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <array>
-#include <future>
-#include <sys/ioctl.h>
 
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -71,12 +59,6 @@ QList<QByteArray> memoryWithoutTheLastLaps() {
   return memory;
 }
 
-QList<QByteArray> blocksIn(const QString& path) {
-  QFile file(path);
-  file.open(QIODevice::ReadOnly);
-  return blocksFromLines(QString::fromLatin1(file.readAll()));
-}
-
 QStringList linesOf(const QList<QByteArray>& memory) {
   QStringList lines;
   std::transform(memory.cbegin(), memory.cend(), std::back_inserter(lines), lineFromBlock);
@@ -86,7 +68,7 @@ QStringList linesOf(const QList<QByteArray>& memory) {
 /// Reads blocks on a thread of its own until `read` brings none.
 template <typename Read>
 std::future<void> drain(Read read) {
-  return std::async(std::launch::async, [read] {
+  return inBackground([read] {
     std::array<std::byte, 36> buffer{};
     while (read(buffer) > 0) {
     }
@@ -96,20 +78,11 @@ std::future<void> drain(Read read) {
 }  // namespace
 
 /// What goes wrong between the port and the database must neither hang nor lose a run silently.
-class tst_linkFaults : public QObject {
+class tst_linkFaults : public LinkTest {
   Q_OBJECT
 
-  QTemporaryDir folder_;
-
-  /// With an empty database of its own.
-  QString newFolder() {
-    const QString own = folder_.filePath(QString::number(QDir(folder_.path()).count()));
-    QDir().mkpath(own);
-    setMainBundle({own + "/Trakko.app", u"Trakko"_s});
-    return own;
-  }
-
  private Q_SLOTS:
+  void init() { startAnew(); }
   void cleanup() { QTRY_COMPARE(detachedThreadCount(), 0); }
 
   /// Another program reads what poll() has just announced, about every other time.
@@ -134,167 +107,120 @@ class tst_linkFaults : public QObject {
     }
   }
 
-  /// Else the port of a living session is taken for unplugged and given away.
-  void aReadEndedByClosingFindsThePortClosed() {
-    const PseudoTerminal line;
-    int lost = 0;
-    for (int i = 0; i < 100; ++i) {
-      SerialPort port;
-      QVERIFY(port.open(line.path, 115200).isNull());
-      auto isOpen = std::async(std::launch::async, [&port] {
-        std::array<std::byte, 36> buffer{};
-        port.read(buffer);
-        return port.isOpen();
-      });
-      port.close();
-      lost += isOpen.get() ? 1 : 0;
-    }
-    QCOMPARE(lost, 0);
-  }
-
   void anUnansweredSessionKeepsItsPort() {
     const PseudoTerminal line;
-    const auto registry = std::make_shared<FakeRegistry>();
-    registry->plugWatch(line.path);
+    registry_->plugWatch(line.path);
     const auto session = std::make_shared<WatchSession>();
-    const auto first = usbOperating::create({registry, nullptr, 0.1, {}}, session);
-    QVERIFY(first->linkCommand());
-    const auto second = usbOperating::create({registry, nullptr, 0.1, {}});
-    QVERIFY(!second->linkCommand());
-  }
-
-  void aRefusedOpeningLeavesTheFirstOneExclusive() {
-    const PseudoTerminal line;
-    SerialPort first;
-    SerialPort second;
-    QVERIFY(first.open(line.path, 115200).isNull());
-    QVERIFY(!second.open(line.path, 115200).isNull());
-    int exclusive = 0;
-    QCOMPARE(::ioctl(first.descriptor, TIOCGEXCL, &exclusive), 0);
-    QCOMPARE(exclusive, 1);
+    QVERIFY(usbOperating::create(environment(0.1), session)->linkCommand());
+    QVERIFY(!usbOperating::create(environment(0.1))->linkCommand());
   }
 
   void runsThatAreNotStored_data() {
-    QTest::addColumn<QList<QByteArray>>("memory");
-    QTest::addColumn<int>("missing");
-    QTest::addColumn<bool>("fileFails");
-    QTest::newRow("none") << memoryWith(0) << 0 << false;
-    QTest::newRow("one beside good ones") << memoryWith(1) << 1 << false;
-    QTest::newRow("all") << memoryWith(runCount) << runCount << false;
-    QTest::newRow("one, only the copy is kept") << memoryWith(1) << 1 << true;
-    QTest::newRow("one key twice") << memoryWithOneKeyTwice() << 1 << false;
-    QTest::newRow("a last header without a lap") << memoryWithoutTheLastLaps() << 1 << false;
+    const auto row = columns<QList<QByteArray>, int, bool>("memory", "missing", "fileFails");
+    row("none", memoryWith(0), 0, false);
+    row("one beside good ones", memoryWith(1), 1, false);
+    row("all", memoryWith(runCount), runCount, false);
+    row("one, only the copy is kept", memoryWith(1), 1, true);
+    row("one key twice", memoryWithOneKeyTwice(), 1, false);
+    row("a last header without a lap", memoryWithoutTheLastLaps(), 1, false);
   }
   /// They stay in a file that the next download leaves alone, and the object tells.
   void runsThatAreNotStored() {
     QFETCH(QList<QByteArray>, memory);
     QFETCH(int, missing);
     QFETCH(bool, fileFails);
-    const QString own = newFolder();
-    const QString path = own + "/lastDownload.txt";
-    QVERIFY(!fileFails || QDir().mkpath(path));  // a folder in place of the file
-    const auto registry = std::make_shared<FakeRegistry>();
-    const auto usb = usbOperating::create({registry, nullptr, 1.0, path});
+    QVERIFY(!fileFails || QDir().mkpath(keptFile()));  // a folder in place of the file
+    const auto usb = usbOperating::create(environment());
     const auto download = [&](const QList<QByteArray>& sent) {
-      EmulatedWatch watch({.memory = sent, .fullSpeed = true});
-      watch.start();
-      registry->plugWatch(watch.path());
+      const auto watch = plug({.memory = sent});
       return usb->getAllData();
     };
-    QCOMPARE(download(memory), missing == runCount ? -1 : 1);
+    QCOMPARE(download(memory),
+             missing == runCount ? downloadResult::notStored : downloadResult::stored);
     QCOMPARE(usb->newRuns, runCount);
     QCOMPARE(usb->runsNotStored, missing);
     QCOMPARE(usb->linesKept.load(), !fileFails);
     QCOMPARE(usb->lastingPath.isNull(), missing == 0);
-    QCOMPARE(dataControl().getRunData(u"ALL"_s, {}).size(), runCount - missing);
+    QCOMPARE(storedRuns(), runCount - missing);
 
     const QString lasting = usb->lastingPath;
-    QCOMPARE(download(QList<QByteArray>(4, QByteArray(36, '\x12'))), -1);
+    QCOMPARE(download({4, unknownBlock}), downloadResult::notStored);
     QCOMPARE(usb->runsNotStored, 0);
     QVERIFY(usb->lastingPath.isNull());
     QVERIFY(missing == 0 || blocksIn(lasting) == memory);
     download(memory);  // an equal copy is enough
-    QCOMPARE(QDir(own).entryList({u"lastDownload-*"_s}).size(), missing == 0 ? 0 : 1);
+    QCOMPARE(QDir(folder_->path()).entryList({"lastDownload-*"}).size(), missing == 0 ? 0 : 1);
   }
 
   void aBlockThatStaysShortIsTold() {
-    const QString path = newFolder() + "/lastDownload.txt";
     const PseudoTerminal line;
-    const auto registry = std::make_shared<FakeRegistry>();
-    registry->plugWatch(line.path);
-    const auto usb = usbOperating::create({registry, nullptr, 3.0, path});
-    auto code = std::async(std::launch::async, [usb] { return usb->getAllData(); });
+    registry_->plugWatch(line.path);
+    const auto usb = usbOperating::create(environment(3.0));
+    auto code = inBackground([usb] { return usb->getAllData(); });
     line.receive(32);
     line.send(goodMemory().join().chopped(20));  // the last point is cut
     QTest::qWait(1300);
     line.send(endMarkerBlock());
-    QCOMPARE(code.get(), 1);
+    QCOMPARE(code.get(), downloadResult::stored);
     QCOMPARE(usb->shortBlocks.load(), 1);
     QVERIFY(!usb->lastingPath.isNull());
   }
 
   void aDownloadWithoutEndIsGivenUp() {
-    const QString path = newFolder() + "/lastDownload.txt";
-    EmulatedWatch watch({.memory = QList<QByteArray>(50, QByteArray(36, '\x12')),
-                         .fullSpeed = true,
-                         .sendsEndMarker = false});
-    QVERIFY(watch.start().isNull());
-    const auto registry = std::make_shared<FakeRegistry>();
-    registry->plugWatch(watch.path());
-    const DownloadOutcome outcome = WatchDownload({registry, nullptr, 1.0, path, 20}).run();
-    QCOMPARE(outcome.code, 3);
+    const auto watch = plug({.memory = {50, unknownBlock}, .sendsEndMarker = false});
+    DeviceEnvironment device = environment();
+    device.mostBlocks = 20;
+    const DownloadOutcome outcome = WatchDownload(device).run();
+    QCOMPARE(outcome.code, downloadResult::endMissed);
     QVERIFY(outcome.endless && !outcome.isSafe());
-    QCOMPARE(blocksIn(path).size(), 20);
+    QCOMPARE(blocksIn(keptFile()).size(), 20);
   }
 
   void aCancelledDownloadReleasesThePort() {
-    const QString path = newFolder() + "/lastDownload.txt";
-    EmulatedWatch watch({.memory = goodMemory(), .fullSpeed = true, .sendsEndMarker = false});
-    QVERIFY(watch.start().isNull());
-    const auto registry = std::make_shared<FakeRegistry>();
-    registry->plugWatch(watch.path());
-    WatchDownload download({registry, nullptr, 0.3, path});
-    auto outcome = std::async(std::launch::async, [&download] { return download.run(); });
+    const auto watch = plug({.memory = goodMemory(), .sendsEndMarker = false});
+    WatchDownload download(environment(0.3));
+    auto outcome = inBackground([&download] { return download.run(); });
     QTRY_VERIFY(download.isStalled());
     download.cancel();
     SerialPort port;
-    QVERIFY(port.open(watch.path(), 115200).isNull());
+    QVERIFY(port.open(watch->path(), 115200).isNull());
     QVERIFY(outcome.get().cancelled);
-    QVERIFY(!QFile::exists(path));
+    QVERIFY(!QFile::exists(keptFile()));
     QVERIFY(download.run().cancelled);  // also one that had not begun
-    QVERIFY(dataControl().getRunData(u"ALL"_s, {}).isEmpty());
+    QCOMPARE(storedRuns(), 0);
   }
 
   void keptLinesCanBeReplayed() {
-    const QString own = newFolder();
-    const QString path = own + "/lastDownload.txt";
+    const QString path = keptFile();
     QVERIFY(keepDownload(path, linesOf(goodMemory())).isNull());
     const ReplayOutcome first = replayKeptLines(path);
-    QCOMPARE(first.code, 1);
+    QCOMPARE(first.code, downloadResult::stored);
     QCOMPARE(first.newRuns, runCount);
     QCOMPARE(dataControl().getTrackData(runCount).size(), 20);
-    QCOMPARE(replayKeptLines(path).code, 88);
+    QCOMPARE(replayKeptLines(path).code, downloadResult::noRunCompleted);
     // The points of the others would go to the wrong run.
     QCOMPARE(dataControl().deleteOneData(1), 1);
     QVERIFY(replayKeptLines(path).wouldMix);
-    QCOMPARE(dataControl().getRunData(u"ALL"_s, {}).size(), runCount - 1);
-    QVERIFY(!replayKeptLines(own).error.isNull());
-    QVERIFY(!replayKeptLines(own + "/none").error.isNull());
+    QCOMPARE(storedRuns(), runCount - 1);
+    QVERIFY(!replayKeptLines(folder_->path()).error.isNull());
+    QVERIFY(!replayKeptLines(folder_->filePath("none")).error.isNull());
   }
 
   void lastingCopies() {
-    const QString path = folder_.filePath(u"lastDownload.txt"_s);
+    const QString path = keptFile();
     const QDateTime end(QDate(2024, 5, 18), QTime(6, 30, 1));
-    const QStringList lines(100, u"00 01"_s);
+    const QStringList lines(100, "00 01");
     QVERIFY(keepDownload(path, lines).isNull());
     // A disk that has no room left takes a second name for the file, but no second file.
     const FullDisk full(100);
     const LastingCopy first = keepForGood(path, lines, end);
-    QCOMPARE(first.path, folder_.filePath(u"lastDownload-20240518063001.txt"_s));
+    QCOMPARE(first.path, folder_->filePath("lastDownload-20240518063001.txt"));
     // Another watch's download has replaced the file in the meantime, within the same second.
-    const LastingCopy second = keepForGood(path, {u"02 03"_s}, end);
-    QCOMPARE(second.path, folder_.filePath(u"lastDownload-20240518063001-2.txt"_s));
+    const LastingCopy second = keepForGood(path, {"02 03"}, end);
+    QCOMPARE(second.path, folder_->filePath("lastDownload-20240518063001-2.txt"));
     QCOMPARE(QFile(second.path).size(), 6);
+    QVERIFY(!keepDownload(path, lines + lines).isNull());
+    QCOMPARE(bytesOf(path), QByteArray("00 01\n").repeated(100));
     const LastingCopy fourth = keepForGood(path, lines + lines, end);
     QVERIFY(fourth.path.isNull());
     QCOMPARE(fourth.error, QString::fromLocal8Bit(::strerror(EFBIG)));

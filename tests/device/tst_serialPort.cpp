@@ -1,17 +1,16 @@
 #include "device/serialPort.h"
 #include "pseudoTerminal.h"
+#include "tests/columns.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <numeric>
 #include <optional>
+#include <sys/ioctl.h>
 #include <thread>
-#include <tuple>
 #include <vector>
 
 namespace {
@@ -51,35 +50,36 @@ class tst_serialPort : public QObject {
     QVERIFY(port_->open(line_->path, baud).isNull());
   }
 
+  void gathersBlocks_data() {
+    // Bytes sent at a time, a negative number is a pause in milliseconds; bytes read at a time.
+    const auto row = columns<QList<int>, QList<qsizetype>>("pieces", "reads");
+    row("small pieces", {1, 20, 14, 1}, {36});
+    row("two at once", {72}, {36, 36});
+    row("cut elsewhere", {50, 22}, {36, 36});
+    row("short pause", {20, -300, 16}, {36});
+    row("long pause", {40, -1300, 36}, {36, 4, 36});
+  }
   void gathersBlocks() {
-    // Sizes as sent, 0 is a pause of 1300 ms and -1 of 300 ms; sizes as read.
-    const QList<std::pair<QList<int>, QList<qsizetype>>> rows{{{1, 20, 14, 1}, {36}},
-                                                              {{72}, {36, 36}},
-                                                              {{50, 22}, {36, 36}},
-                                                              {{20, -1, 16}, {36}},
-                                                              {{40, 0, 36}, {36, 4, 36}}};
-    for (const auto& [pieces, reads] : rows) {
-      init();
-      std::thread sender([this, sizes = pieces] {
-        QByteArray left = all;
-        for (const int piece : sizes) {
-          const int pause = piece > 0 ? 1 : 300 + (piece + 1) * 1000;
-          std::this_thread::sleep_for(std::chrono::milliseconds(pause));
-          line_->send(left.first(std::max(piece, 0)));
-          left.remove(0, std::max(piece, 0));
-        }
-      });
-      QByteArray received;
-      QList<qsizetype> sizes;
-      while (sizes.size() < reads.size()) {
-        const QByteArray block = readBlock(*port_);
-        sizes << block.size();
-        received += block;
+    QFETCH(QList<int>, pieces);
+    QFETCH(QList<qsizetype>, reads);
+    std::thread sender([&] {
+      QByteArray left = all;
+      for (const int piece : pieces) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::max(1, -piece)));
+        line_->send(left.first(std::max(piece, 0)));
+        left.remove(0, std::max(piece, 0));
       }
-      sender.join();
-      QCOMPARE(sizes, reads);
-      QCOMPARE(received, all.first(received.size()));
+    });
+    QByteArray received;
+    QList<qsizetype> sizes;
+    while (sizes.size() < reads.size()) {
+      const QByteArray block = readBlock(*port_);
+      sizes << block.size();
+      received += block;
     }
+    sender.join();
+    QCOMPARE(sizes, reads);
+    QCOMPARE(received, all.first(received.size()));
   }
 
   void onlyWhatComesAfterOpeningAndAllOfIt() {
@@ -111,6 +111,7 @@ class tst_serialPort : public QObject {
       std::thread reader([&] {
         reading = true;
         QVERIFY(readBlock(*port_).isEmpty());
+        QVERIFY(!port_->isOpen());  // else the port of a living session is taken for unplugged
       });
       while (!reading) {
         std::this_thread::yield();
@@ -145,6 +146,9 @@ class tst_serialPort : public QObject {
                                                  ? "Error: couldn't obtain lock on serial port"
                                                  : "Error: couldn't open serial port");
     QVERIFY(!second.isOpen());
+    int exclusive = 0;
+    QCOMPARE(::ioctl(port_->descriptor, TIOCGEXCL, &exclusive), 0);
+    QCOMPARE(exclusive, 1);  // the refusal has not taken it away
     line_->send(all.first(36));
     QCOMPARE(readBlock(*port_), all.first(36));
     port_->close();
@@ -152,19 +156,21 @@ class tst_serialPort : public QObject {
     QVERIFY(third.open(line_->path, baud).isNull());
   }
 
+  void refusals_data() {
+    const auto row = columns<QString, qint32, QString, int>("path", "speed", "error", "code");
+    row("none", "/dev/cu.nothing", baud, "Error: couldn't open serial port", ENOENT);
+    row("no terminal", "/dev/null", baud, "Error: couldn't obtain lock on serial port", ENOTTY);
+    row("no speed", {}, 0, "Error: Baud Rate out of bounds", EINVAL);
+    row("good", {}, baud, {}, 0);
+  }
   void refusals() {
-    const PseudoTerminal line;
-    const QList<std::tuple<QString, qint32, QString, int>> rows{
-        {"/dev/cu.nothing", baud, "Error: couldn't open serial port", ENOENT},
-        {"/dev/null", baud, "Error: couldn't obtain lock on serial port", ENOTTY},
-        {line.path, 0, "Error: Baud Rate out of bounds", EINVAL},
-        {line.path, baud, QString(), 0}};
-    for (const auto& [path, speed, error, code] : rows) {
-      SerialPort port;
-      QCOMPARE(port.open(path, speed), error);
-      QCOMPARE(port.openError, code);
-      QCOMPARE(port.isOpen(), error.isNull());
-    }
+    QFETCH(QString, path);
+    QFETCH(qint32, speed);
+    QFETCH(QString, error);
+    port_.emplace();
+    QCOMPARE(port_->open(path.isNull() ? line_->path : path, speed), error);
+    QTEST(port_->openError, "code");
+    QCOMPARE(port_->isOpen(), error.isNull());
   }
 
   void aPeerThatDoesNotReadBlocksNobody() {

@@ -3,6 +3,7 @@
 #undef signals
 #include "device/udevRegistry.h"
 #include "device/usbOperating.h"
+#include "tests/columns.h"
 
 #include <QTest>
 
@@ -68,11 +69,11 @@ class tst_udevRegistry : public QObject {
 
   /// The testbed's device file is no terminal: getting as far as its opening is being found.
   void onlyTheWatchIsFound_data() {
-    QTest::addColumn<bool>("watch");
-    QTest::newRow("10c4 ea60") << true;
-    QTest::newRow("10c4 ea61") << true;
-    QTest::newRow("0403 ea60") << false;
-    QTest::newRow("10c4 ea70") << false;
+    const auto row = columns<bool>("watch");
+    row("10c4 ea60", true);
+    row("10c4 ea61", true);
+    row("0403 ea60", false);
+    row("10c4 ea70", false);
   }
   void onlyTheWatchIsFound() {
     QFETCH(bool, watch);

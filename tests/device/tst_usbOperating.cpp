@@ -1,24 +1,13 @@
 #include "base/detachThread.h"
-#include "data/bundle.h"
-#include "data/dataControl.h"
+#include "device/downloadResult.h"
 #include "device/lastDownload.h"
-#include "device/usbOperating.h"
-#include "fakeRegistry.h"
+#include "linkTest.h"
 #include "pseudoTerminal.h"
-#include "tools/watchsim/emulatedWatch.h"
+#include "tests/columns.h"
 #include "tools/watchsim/watchBlocks.h"
-#include "tools/watchsim/watchMemory.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <future>
-#include <optional>
 
 namespace {
 
-const QByteArray unknownBlock(36, '\x12');
 const QByteArray headerBlock = QByteArray(32, '\x11') + QByteArray::fromHex("000007FD");
 
 QList<QByteArray> someRuns(const QDate& today = QDate(2024, 5, 18)) {
@@ -44,39 +33,17 @@ QStringList lines(usbOperating& usb) {
   return {usb.chStr.cbegin(), usb.chStr.cend()};
 }
 
-template <typename Work>
-auto inBackground(Work work) {
-  return std::async(std::launch::async, work);
-}
-
 }  // namespace
 
-class tst_usbOperating : public QObject {
+class tst_usbOperating : public LinkTest {
   Q_OBJECT
 
   using Session = std::shared_ptr<WatchSession>;
 
-  std::shared_ptr<FakeRegistry> registry_;
-  std::shared_ptr<RecordedMessages> messages_;
-  std::optional<QTemporaryDir> folder_;
   std::optional<PseudoTerminal> line_;  // plugged until an emulated watch is
 
-  QString keptFile() const { return folder_->filePath("lastDownload.txt"); }
-  QList<QByteArray> keptBlocks() const {
-    QFile file(keptFile());
-    return file.open(QIODevice::ReadOnly) ? blocksFromLines(file.readAll()) : QList<QByteArray>();
-  }
   std::shared_ptr<usbOperating> object(const Session& session = nullptr) {
-    return usbOperating::create({registry_, messages_, 1.0, keptFile()}, session);
-  }
-  std::unique_ptr<EmulatedWatch> plug(EmulatedWatchOptions options) {
-    options.fullSpeed = true;
-    auto watch = std::make_unique<EmulatedWatch>(options);
-    if (const QString reason = watch->start(); !reason.isNull()) {
-      qFatal("%s", qPrintable(reason));
-    }
-    registry_->plugWatch(watch->path());
-    return watch;
+    return usbOperating::create(environment(), session);
   }
   /// One download as the application makes it.
   qint32 download() {
@@ -86,10 +53,7 @@ class tst_usbOperating : public QObject {
 
  private Q_SLOTS:
   void init() {
-    folder_.emplace();
-    setMainBundle({folder_->filePath("Trakko.app"), "Trakko"});
-    registry_ = std::make_shared<FakeRegistry>();
-    messages_ = std::make_shared<RecordedMessages>();
+    startAnew();
     line_.emplace();
     registry_->plugWatch(line_->path);
   }
@@ -100,19 +64,18 @@ class tst_usbOperating : public QObject {
   }
 
   void resultCodes_data() {
-    QTest::addColumn<QList<QByteArray>>("memory");
-    QTest::addColumn<qint32>("code");
-    QTest::newRow("stored") << someRuns() << 1;
-    QTest::newRow("silent") << someRuns() << 2;
-    QTest::newRow("nothing at all") << QList<QByteArray>() << 4;
-    QTest::newRow("two lines") << QList<QByteArray>{unknownBlock, headerBlock} << 4;
-    QTest::newRow("no run line") << QList<QByteArray>(3, unknownBlock) << -1;
-    QTest::newRow("no laps") << QList<QByteArray>{unknownBlock, unknownBlock, headerBlock} << 88;
+    const auto row = columns<QList<QByteArray>, qint32>("memory", "code");
+    row("stored", someRuns(), downloadResult::stored);
+    row("silent", someRuns(), downloadResult::noAnswer);
+    row("nothing at all", QList<QByteArray>(), downloadResult::noRecords);
+    row("two lines", {unknownBlock, headerBlock}, downloadResult::noRecords);
+    row("no run line", {3, unknownBlock}, downloadResult::notStored);
+    row("no laps", {unknownBlock, unknownBlock, headerBlock}, downloadResult::noRunCompleted);
   }
   void resultCodes() {
     QFETCH(QList<QByteArray>, memory);
     QFETCH(qint32, code);
-    const bool silent = code == 2;
+    const bool silent = code == downloadResult::noAnswer;
     const QByteArray earlier(36, '\x55');
     QVERIFY(keepDownload(keptFile(), {lineFromBlock(earlier)}).isNull());
     const auto watch = plug({.memory = memory, .isSilent = silent});
@@ -121,34 +84,35 @@ class tst_usbOperating : public QObject {
     QVERIFY(usb->checkStop);
     QCOMPARE(usb->downloadFail.load(), silent);
     QCOMPARE(usb->serialFileDescriptor == -1, !silent);
-    QCOMPARE(keptBlocks(), silent || memory.size() <= 2 ? QList<QByteArray>{earlier} : memory);
+    QCOMPARE(blocksIn(keptFile()),
+             silent || memory.size() <= 2 ? QList<QByteArray>{earlier} : memory);
     QCOMPARE(messages_->take(), QStringList());
   }
 
   void downloadsAndErasesAsTheApplicationDoes() {
     const auto watch = plug({.memory = someRuns(), .smallestPiece = 1, .largestPiece = 64});
-    QCOMPARE(download(), 1);
+    QCOMPARE(download(), downloadResult::stored);
     QCOMPARE(storedPoints(), "1:50 2:50");
     Session session = std::make_shared<WatchSession>();
     QVERIFY(object(session)->linkCommand());
     const auto usb = object(session);
-    QCOMPARE(usb->getAllData(), 88);  // nothing new
+    QCOMPARE(usb->getAllData(), downloadResult::noRunCompleted);  // nothing new
     // After the download has ended, its object erases the watch at once.
     session.reset();
     usb->deleteAllData();
     QVERIFY(usb->eraseSent);
     QTRY_VERIFY(watch->blocks().isEmpty());
     QVERIFY(usb->readThreadRunning);
-    QCOMPARE(download(), 4);
+    QCOMPARE(download(), downloadResult::noRecords);
     QCOMPARE(watch->commands().count("link"), 3);
-    QCOMPARE(keptBlocks(), someRuns());
+    QCOMPARE(blocksIn(keptFile()), someRuns());
 
     // New runs get numbers of their own, and what the watch tells of itself.
     const auto later = plug({.memory = someRuns(QDate(2024, 6, 18))});
     const auto known = object();
     QByteArray identity = identityBlock();
     known->getWatchInfo(std::span(reinterpret_cast<const quint8*>(identity.constData()), 36), 0);
-    QCOMPARE(known->getAllData(), 1);
+    QCOMPARE(known->getAllData(), downloadResult::stored);
     QCOMPARE(storedPoints(), "1:50 2:50 3:50 4:50");
     QCOMPARE(known->runMD.cbegin()->T_RunAlti, "0");
     QCOMPARE(known->runMD.cbegin()->T_IdNumber, known->idNoStr);
@@ -171,7 +135,7 @@ class tst_usbOperating : public QObject {
     const auto usb = object();
     auto code = inBackground([usb] { return usb->getAllData(); });
     QTRY_COMPARE(lines(*usb).size(), 5);
-    QCOMPARE(object()->getAllData(), 2);
+    QCOMPARE(object()->getAllData(), downloadResult::noAnswer);
     QCOMPARE(object()->openSerialPort(watch->path(), 115200),
              "Error: couldn't obtain lock on serial port");
     QCOMPARE(messages_->take(), QStringList{notRecognised});
@@ -180,8 +144,8 @@ class tst_usbOperating : public QObject {
     // wait's clearing of getDataOK: that wait runs out.
     QTRY_VERIFY(usb->downloadFail);
     usb->downloadDataFinish = true;
-    QCOMPARE(code.get(), 3);
-    QCOMPARE(keptBlocks().size(), 5);
+    QCOMPARE(code.get(), downloadResult::endMissed);
+    QCOMPARE(blocksIn(keptFile()).size(), 5);
   }
 
   void linksThatFail() {
@@ -199,7 +163,7 @@ class tst_usbOperating : public QObject {
     // to arrive between the loop's look at the one and the clearing of the other.
     int missed = 0;
     for (int i = 0; i < 30; ++i) {
-      missed += object()->getAllData() == 4 ? 0 : 1;
+      missed += object()->getAllData() == downloadResult::noRecords ? 0 : 1;
     }
     QVERIFY2(missed < 3, qPrintable(QString::number(missed)));
     QCOMPARE(watch->commands().mid(0, 2), (QStringList{"link", "download"}));
@@ -256,7 +220,7 @@ class tst_usbOperating : public QObject {
       QVERIFY(linked.get());
     }
     usb->downloadDataFinish = true;  // let the first one go
-    QCOMPARE(code.get(), 3);
+    QCOMPARE(code.get(), downloadResult::endMissed);
     QVERIFY(lines(*usb)[1].startsWith("68 61 6C 66"));
   }
 

@@ -1,8 +1,8 @@
 #include "export/exportMany.h"
+#include "tests/columns.h"
 #include "tests/data/storeFolder.h"
 
-#include <QDir>
-#include <QTest>
+#include <QtTest>
 
 namespace {
 
@@ -37,11 +37,7 @@ class tst_exportMany : public QObject {
   }
 
   void runs_data() {
-    QTest::addColumn<ManyRuns>("runs");
-    QTest::addColumn<QString>("outcome");
-    QTest::addColumn<QString>("files");
-    const auto row = [](const char* name, const ManyRuns& runs, const char* outcome,
-                        const char* files) { QTest::newRow(name) << runs << outcome << files; };
+    const auto row = columns<ManyRuns, QString, QString>("runs", "outcome", "files");
     using enum ExportFormat;
     row("files that are there stay", {{1, 3}, Gpx, "to"}, "1 written, 1 skipped",
         "20140501073005.GPX, 20140503073005.GPX old");
@@ -72,14 +68,6 @@ class tst_exportMany : public QObject {
       files.append(bytesOf(folder.filePath(file)) == "old" ? file + " old" : file);
     }
     QTEST(files.join(", "), "files");
-  }
-
-  void sameBytesAsOne() {
-    exportMany({{1}, ExportFormat::Gpx, store_->in("to")}, offset, [](qsizetype) { return true; });
-    dataControl store;
-    const RunToExport run = readRun(store, 1, ExportFormat::Gpx);
-    QCOMPARE(bytesOf(store_->in("to/20140501073005.GPX")),
-             exportRun(run, ExportFormat::Gpx, offset).bytes);
   }
 
  private:

@@ -1,10 +1,10 @@
 #include "export/gpxWriter.h"
 #include "export/offsetText.h"
 #include "export/tcxWriter.h"
+#include "tests/columns.h"
 #include "tests/export/exportRecords.h"
 
-#include <QTest>
-#include <QXmlStreamReader>
+#include <QtTest>
 
 using namespace Qt::StringLiterals;
 
@@ -66,95 +66,101 @@ class tst_exportWriters : public QObject {
     QVERIFY(gpx(pointsAt("(1) (2) (3)")).contains("        <trkseg />\n    </trk>\n"));
   }
 
-  void lapBoundaries() {
+  void lapBoundaries_data() {
     // Distances of the laps and the points; points of each lap; the minutes behind 07:00 at which
     // the laps start, "-" = absent.
-    const QList<QStringList> rows{
-        // Reaching the distance is not enough.
-        {"100000 100000", "0 50000 100000 100001 200001 200002", "4 2", "30 33"},
-        // Measured from the closing point.
-        {"100 100 100", "250 350 351 360", "1 2 1", "30 30 32"},
-        {"10 10 10", "0 20", "2 0 0", "30 31 31"},
-        {"10", "20 30", "1", "30"},
-        {"10 10", "", "0 0", "30 -"},
-        {"", "0 1", "", ""},
-        {"10 10", "0 (11) 12", "2 1", "30 31"},
-        // What is missing counts, without a distance and a time.
-        {"10 10", "0 - 11", "3 0", "30 32"},
-        {"10 10", "0 -", "2 0", "30 -"},
-        {"- - 10", "1 2 20", "1 1 1", "30 30 31"},
-        {"4C x", "4.5x x 10", "1 2", "30 30"}};
-    for (const QStringList& row : rows) {
-      const QByteArray document = tcx(lapsOf(row[0]), pointsAt(row[1]));
-      QStringList counts;
-      for (const QByteArray& lap : QByteArray(document).replace("<Lap ", "\1").split('\1').mid(1)) {
-        counts.append(QString::number(lap.count("<Trackpoint")));
-      }
-      QString starts = valuesOf(document, "//Lap/@StartTime").join(' ');
-      starts.replace("T(null)+", "T07:-:00+").remove("2014-05-01T07:").remove(":00+09:00");
-      QCOMPARE(QStringList({row[0], row[1], counts.join(' '), starts}), row);
+    const auto row =
+        columns<QString, QString, QString, QString>("laps", "points", "counts", "starts");
+    row("reaching is not enough", "100000 100000", "0 50000 100000 100001 200001 200002", "4 2",
+        "30 33");
+    row("measured from the closing point", "100 100 100", "250 350 351 360", "1 2 1", "30 30 32");
+    row("too few points", "10 10 10", "0 20", "2 0 0", "30 31 31");
+    row("too few laps", "10", "20 30", "1", "30");
+    row("no points", "10 10", "", "0 0", "30 -");
+    row("no laps", "", "0 1", "", "");
+    row("no fix", "10 10", "0 (11) 12", "2 1", "30 31");
+    row("a missing point counts", "10 10", "0 - 11", "3 0", "30 32");
+    row("and has no time", "10 10", "0 -", "2 0", "30 -");
+    row("a missing lap has no distance", "- - 10", "1 2 20", "1 1 1", "30 30 31");
+    row("odd numbers", "4C x", "4.5x x 10", "1 2", "30 30");
+  }
+  void lapBoundaries() {
+    QFETCH(QString, laps);
+    QFETCH(QString, points);
+    const QByteArray document = tcx(lapsOf(laps), pointsAt(points));
+    QStringList counts;
+    for (const QByteArray& lap : QByteArray(document).replace("<Lap ", "\1").split('\1').mid(1)) {
+      counts.append(QString::number(lap.count("<Trackpoint")));
     }
+    QTEST(counts.join(' '), "counts");
+    QString starts = valuesOf(document, "//Lap/@StartTime").join(' ');
+    starts.replace("T(null)+", "T07:-:00+").remove("2014-05-01T07:").remove(":00+09:00");
+    QTEST(starts, "starts");
   }
 
+  void lapTimes_data() {
+    const auto row = columns<QString>("seconds");
+    row("02:00:01.00", "7201.000");
+    row("00:05:12.34", "346.000");
+    row("100:00:00.00", "36000.000");
+    row("00:05:1", "301.000");
+    row("abcdefghijk", "0.000");
+    row("", "0.000");
+  }
   void lapTimes() {
-    const QList<std::pair<QString, QString>> rows{
-        {"02:00:01.00", "7201.000"}, {"00:05:12.34", "346.000"}, {"100:00:00.00", "36000.000"},
-        {"00:05:1", "301.000"},      {"abcdefghijk", "0.000"},   {{}, "0.000"}};
-    for (const auto& [time, seconds] : rows) {
-      QCOMPARE(valuesOf(tcx(lapsOf("1", time), {}), "//TotalTimeSeconds"), QStringList(seconds));
-    }
+    const QByteArray document = tcx(lapsOf("1", QTest::currentDataTag()), {});
+    QTEST(valuesOf(document, "//TotalTimeSeconds").join(' '), "seconds");
   }
 
+  void positions_data() {
+    // Signs and values of latitude and longitude; what is in the documents, nothing without a fix.
+    const auto row = columns<QStringList, QString, QString>("stored", "tcx", "gpx");
+    row("as stored", {"N", "35.6580005", "E", "007"}, "35.6580005 007", "35.658000 7.000000");
+    row("south west", {"S", "33.5", "W", "70.25"}, "-33.500000 -70.250000",
+        "-33.500000 -70.250000");
+    row("no longitude", {"N", "1", "0", "2"}, "1 -2.000000", "");
+    row("no latitude", {"0", "1", "E", "2"}, "", "");
+    row("small letter", {"n", "1", "E", "2"}, "", "");
+    row("no numbers", {"N", "<&>", "W", "north"}, "<&> -0.000000", "0.000000 -0.000000");
+    row("odd numbers", {"N", "4.5C", "E", "1,5"}, "4.5C 1,5", "4.500000 1.000000");
+    row("large, absent", {"S", "1E20", "E", {}}, "-100000000000000000000.000000 (null)",
+        "-100000000000000000000.000000 0.000000");
+  }
   void positions() {
-    // Signs and values of latitude and longitude; what is in the TCX and in the GPX document, where
-    // nothing means no fix.
-    const QList<QStringList> rows{
-        {"N", "35.6580005", "E", "007", "35.6580005 007", "35.658000 7.000000"},
-        {"S", "33.5", "W", "70.25", "-33.500000 -70.250000", "-33.500000 -70.250000"},
-        {"N", "1", "0", "2", "1 -2.000000", ""},
-        {"0", "1", "E", "2", "", ""},
-        {"n", "1", "E", "2", "", ""},
-        {"N", "<&>", "W", "north", "<&> -0.000000", "0.000000 -0.000000"},
-        {"N", "4.5C", "E", "1,5", "4.5C 1,5", "4.500000 1.000000"},
-        {"S",
-         "1E20",
-         "E",
-         {},
-         "-100000000000000000000.000000 (null)",
-         "-100000000000000000000.000000 0.000000"}};
+    QFETCH(QStringList, stored);
     const auto first = [](const QByteArray& document, const char* lat, const char* lon) {
       const QStringList latitudes = valuesOf(document, lat);
       return latitudes.size() < 2 ? QString() : latitudes[0] + ' ' + valuesOf(document, lon)[0];
     };
-    for (const QStringList& row : rows) {
-      PointDictionary points = pointsAt("1 2");
-      setPosition(points[recordKey(1)], row);
-      const QByteArray document = tcx(lapsOf("100"), points);
-      const QString inTcx = first(document, "//LatitudeDegrees", "//LongitudeDegrees");
-      QCOMPARE(row.first(4) << inTcx << first(gpx(points), "//@lat", "//@lon"), row);
-      // The point behind is printed from the same element and inherits nothing.
-      QCOMPARE(valuesOf(document, "//LatitudeDegrees").last(), "35.6580");
-    }
+    PointDictionary points = pointsAt("1 2");
+    setPosition(points[recordKey(1)], stored);
+    const QByteArray document = tcx(lapsOf("100"), points);
+    QTEST(first(document, "//LatitudeDegrees", "//LongitudeDegrees"), "tcx");
+    QTEST(first(gpx(points), "//@lat", "//@lon"), "gpx");
+    // The point behind is printed from the same element and inherits nothing.
+    QCOMPARE(valuesOf(document, "//LatitudeDegrees").last(), "35.6580");
   }
 
+  void strangeTexts_data() {
+    const auto row = columns<QString, QString>("stored", "written");
+    row("markup", "<a href=\"'&amp;]]>", "<a href=\"'&amp;]]>");
+    row("what marks the place of the points", "<?points?>\n", "<?points?>\n");
+    row("control characters", u"a\x01\x1f\x08\0z"_s, "az");
+    row("no characters", u"a\uFFFE\uFFFFz\uFFFD"_s, u"az\uFFFD"_s);
+    row("half a character", QString(QChar(0xD83C)) + "z", "?z");
+    row("beyond ASCII", "東京°\U0001F3C3", "東京°\U0001F3C3");
+  }
   void strangeTexts() {
-    const QList<std::pair<QString, QString>> rows{
-        {"<a href=\"'&amp;]]>", "<a href=\"'&amp;]]>"},
-        {"<?points?>\n", "<?points?>\n"},  // marks the place of the points
-        {u"a\x01\x1f\x08\0z"_s, "az"},
-        {u"a\uFFFE\uFFFFz\uFFFD"_s, u"az\uFFFD"_s},
-        {QString(QChar(0xD83C)) + "z", "?z"},  // half a character
-        {"東京°\U0001F3C3", "東京°\U0001F3C3"}};
-    for (const auto& [stored, written] : rows) {
-      const PointDictionary points{{recordKey(1), pointAt(stored, "9")}};
-      const QByteArray inTcx = writeTcx(lapsOf("1 1"), points, runNumber, start + stored, offset);
-      const QByteArray inGpx = writeGpx(points, runNumber, start + stored, offset);
-      QVERIFY(isWellFormed(inTcx) && isWellFormed(inGpx));
-      const QStringList time{"2014-05-01T" + written + offset};
-      QCOMPARE(valuesOf(inTcx, "//Time"), time);
-      QCOMPARE(valuesOf(inTcx, "//Lap[2]/@StartTime"), time);
-      QCOMPARE(valuesOf(inGpx, "//time"), time);
-    }
+    QFETCH(QString, stored);
+    QFETCH(QString, written);
+    const PointDictionary points{{recordKey(1), pointAt(stored, "9")}};
+    const QByteArray inTcx = writeTcx(lapsOf("1 1"), points, runNumber, start + stored, offset);
+    const QByteArray inGpx = writeGpx(points, runNumber, start + stored, offset);
+    QVERIFY(isWellFormed(inTcx) && isWellFormed(inGpx));
+    const QStringList time{"2014-05-01T" + written + offset};
+    QCOMPARE(valuesOf(inTcx, "//Time"), time);
+    QCOMPARE(valuesOf(inTcx, "//Lap[2]/@StartTime"), time);
+    QCOMPARE(valuesOf(inGpx, "//time"), time);
   }
 
   // Records count from 1; what is keyed otherwise is not the run's.
@@ -177,12 +183,11 @@ class tst_exportWriters : public QObject {
   }
 
   void offsets() {
-    const QList<std::pair<int, QString>> rows{{32400, "+09:00"},   {19800, "+05:00"},
-                                              {-18000, "+-5:00"},  {-9000, "+-2:00"},
-                                              {-36000, "+-10:00"}, {-1800, "+00:00"}};
-    for (const auto& [seconds, text] : rows) {
-      QCOMPARE(offsetText(seconds), text);
+    QStringList offsets;
+    for (const int seconds : {32400, 19800, -18000, -9000, -36000, -1800}) {
+      offsets << offsetText(seconds);
     }
+    QCOMPARE(offsets.join(' '), "+09:00 +05:00 +-5:00 +-2:00 +-10:00 +00:00");
   }
 };
 

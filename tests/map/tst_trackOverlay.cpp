@@ -1,9 +1,9 @@
 #include "map/framing.h"
 #include "map/trackOverlay.h"
+#include "tests/columns.h"
 #include "tests/map/trackOf.h"
 
-#include <QRegularExpression>
-#include <QTest>
+#include <QtTest>
 
 #include <cmath>
 
@@ -35,11 +35,7 @@ class tst_trackOverlay : public QObject {
   }
 
   void breaks_data() {
-    QTest::addColumn<PointDictionary>("points");
-    QTest::addColumn<QString>("google");
-    QTest::addColumn<QString>("gd");
-    const auto row = [](const char* name, const PointDictionary& points, const QString& google,
-                        const QString& gd) { QTest::newRow(name) << points << google << gd; };
+    const auto row = columns<PointDictionary, QString, QString>("points", "google", "gd");
     row("none", straightRun(412), "1", "1");
     row("two", straightRun(412, {57, 230}), "new Array(0,57,230,411)", "new Array(0,57,230,411)");
     row("one second short", straightRun(412, {57}, 59), "1", "1");
@@ -74,13 +70,7 @@ class tst_trackOverlay : public QObject {
   }
 
   void usablePoints_data() {
-    QTest::addColumn<QString>("latSign");
-    QTest::addColumn<QString>("lonSign");
-    QTest::addColumn<bool>("google");
-    QTest::addColumn<bool>("gd");
-    const auto row = [](const char* name, const QString& latSign, const QString& lonSign,
-                        bool google,
-                        bool gd) { QTest::newRow(name) << latSign << lonSign << google << gd; };
+    const auto row = columns<QString, QString, bool, bool>("latSign", "lonSign", "google", "gd");
     row("both", "N", "E", true, true);
     row("latitude", "S", "0", true, true);
     row("longitude", "", "W", true, true);
@@ -127,21 +117,21 @@ class tst_trackOverlay : public QObject {
   }
 
   void hostileCoordinates_data() {
-    QTest::addColumn<QString>("inScript");
+    const auto row = columns<QString>("inScript");
     for (const char* text : {"35.681236", "35", "-35.5", "0"}) {
-      QTest::newRow(text) << text;  // as stored
+      row(text, text);  // as stored
     }
     for (const char* text : {"alert(1)", "0x10", "1e999", "nan", "-", "３５", ""}) {
-      QTest::newRow(text) << "0.000000";
+      row(text, "0.000000");
     }
-    QTest::newRow(QByteArray(400, '9').constData()) << "0.000000";
-    QTest::newRow(".5") << "0.500000";
-    QTest::newRow("1});alert(1);//") << "1.000000";
-    QTest::newRow("010.5") << "10.500000";  // script would take it for octal
-    QTest::newRow("35.") << "35.000000";
-    QTest::newRow("35.5.5") << "35.500000";
-    QTest::newRow("+35.5") << "35.500000";
-    QTest::newRow("1e3") << "1000.000000";
+    row(QByteArray(400, '9'), "0.000000");
+    row(".5", "0.500000");
+    row("1});alert(1);//", "1.000000");
+    row("010.5", "10.500000");  // script would take it for octal
+    row("35.", "35.000000");
+    row("35.5.5", "35.500000");
+    row("+35.5", "35.500000");
+    row("1e3", "1000.000000");
   }
 
   void hostileCoordinates() {

@@ -1,4 +1,5 @@
 #include "stats/profileCurve.h"
+#include "tests/columns.h"
 
 #include <QtTest>
 
@@ -61,19 +62,19 @@ class tst_profile : public QObject {
 
  private Q_SLOTS:
   void point_data() {
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QString>("last");  // kilometres, seconds, km/h, heart rate, metres, pause
+    // The last point's kilometres, seconds, km/h, heart rate, metres, pause.
+    const auto add = columns<QStringList, QString>("lines", "last");
     const QString first = "10:00:00 0 600 700 15", second = "10:00:05 1000 600 700 15";
     const auto row = [&](const char* name, const QString& line, const QString& last) {
-      QTest::newRow(name) << QStringList{first, second, line} << last;
+      add(name, {first, second, line}, last);
     };
     row("values as in the table", "10:00:10 321500 541 652 23", "3.215 10 10.82 130 23");
     row("nothing measured is no zero", "10:00:10 2000 0 0 ", "0.02 10 - - -");
     row("less than a beat", "10:00:10 2000 600 4 15", "0.02 10 12 - 15");
     row("numbers that are none", "10:00:10 1e999 inf nan x", "0.01 10 - - 0");
     row("no place on earth", "10:00:10 2000 600 700 4294967290", "0.02 10 12 140 -");
-    QTest::newRow("over midnight")
-        << QStringList{"23:59:50 0 600 700 15", "00:00:05 2000 600 700 15"} << "0.02 15 12 140 15";
+    add("over midnight", {"23:59:50 0 600 700 15", "00:00:05 2000 600 700 15"},
+        "0.02 15 12 140 15");
     row("a clock set back stands still", "09:59:00 2000 600 700 15", "0.02 5 12 140 15");
     row("a distance that falls stands still", "10:00:10 500 600 700 15", "0.01 10 12 140 15");
     row("a minute without speed is a pause", "10:01:05 1000 0 700 15", "0.01 65 - 140 15 pause");
@@ -103,19 +104,14 @@ class tst_profile : public QObject {
   }
 
   void laps_data() {
-    QTest::addColumn<QStringList>("points");
-    QTest::addColumn<QStringList>("laps");
-    QTest::addColumn<QString>("stretches");
+    const auto row = columns<QStringList, QStringList, QString>("points", "laps", "stretches");
     const QStringList run{"10:00:00 0 600 0 0", "10:00:10 100 600 0 0", "10:00:20 200 600 0 0",
                           "10:05:20 200 0 0 0", "10:05:30 300 600 0 0"};
     QStringList still = run;
     still.replaceInStrings(QRegularExpression(" \\d00 "), " 0 ");
-    QTest::newRow("by distance") << run << QStringList{"00:00:10.00 100", "00:00:15.00 150"}
-                                 << "0-2 2-4";
-    QTest::newRow("beyond the end")
-        << run << QStringList{"00:00:01.00 999", "00:00:01.00 9"} << "0-5 5-5";
-    QTest::newRow("no distance: by time on the move")
-        << still << QStringList{"00:00:10.00 0", "00:00:15.00 0"} << "0-2 2-4";
+    row("by distance", run, {"00:00:10.00 100", "00:00:15.00 150"}, "0-2 2-4");
+    row("beyond the end", run, {"00:00:01.00 999", "00:00:01.00 9"}, "0-5 5-5");
+    row("no distance: by time on the move", still, {"00:00:10.00 0", "00:00:15.00 0"}, "0-2 2-4");
   }
   void laps() {
     QFETCH(QStringList, points);
@@ -142,9 +138,9 @@ class tst_profile : public QObject {
   }
 
   void everyPeakIsDrawn_data() {
-    QTest::addColumn<ProfileAxis>("axis");
-    QTest::newRow("distance") << ProfileAxis::Distance;
-    QTest::newRow("time") << ProfileAxis::Time;
+    const auto row = columns<ProfileAxis>("axis");
+    row("distance", ProfileAxis::Distance);
+    row("time", ProfileAxis::Time);
   }
   void everyPeakIsDrawn() {
     QFETCH(ProfileAxis, axis);
@@ -174,14 +170,13 @@ class tst_profile : public QObject {
   }
 
   void nearest_data() {
-    QTest::addColumn<double>("place");
-    QTest::addColumn<int>("row");
-    QTest::newRow("before the start") << -1.0 << 0;
-    QTest::newRow("nearer the one before") << 10.4 << 10;
-    QTest::newRow("nearer the one behind") << 10.6 << 11;
-    QTest::newRow("behind the end") << 1e9 << 99;
-    QTest::newRow("the start of the pause") << 340.0 << 49;
-    QTest::newRow("the end of the pause") << 360.0 << 50;
+    const auto row = columns<double, int>("place", "row");
+    row("before the start", -1.0, 0);
+    row("nearer the one before", 10.4, 10);
+    row("nearer the one behind", 10.6, 11);
+    row("behind the end", 1e9, 99);
+    row("the start of the pause", 340.0, 49);
+    row("the end of the pause", 360.0, 50);
   }
   void nearest() {
     QFETCH(double, place);

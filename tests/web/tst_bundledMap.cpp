@@ -115,19 +115,6 @@ class tst_bundledMap : public MapTest {
     QVERIFY(!server.requests.join().contains("GET /tiles/13/"));
   }
 
-  void hostileTextsDoNothing() {
-    for (const char* text : {"1}];window.hacked=1;[{lat:1", "\"+(window.hacked=1)+\"",
-                             "1});fetch('/x');alert(1);//"}) {
-      PointDictionary points = straightRun(50);
-      for (trackPointData& point : points) {
-        point.T_PointLatitudeN = point.T_PointTime = point.T_PointSpeed = text;
-      }
-      draw(points);
-      QVERIFY2(value("window.hacked === undefined").toBool(), text);
-      QVERIFY2(onlyTilesAskedFor() && !alerts->messages.contains("1"), text);
-    }
-  }
-
  private:
   bool onlyTilesAskedFor() const {
     return std::all_of(server.requests.begin(), server.requests.end(),

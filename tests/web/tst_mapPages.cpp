@@ -1,4 +1,5 @@
 #include "map/drawingScripts.h"
+#include "tests/columns.h"
 #include "tests/map/trackOf.h"
 #include "tests/web/webFixture.h"
 
@@ -39,14 +40,7 @@ class tst_mapPages : public MapTest {
   }
 
   void pictures_data() {
-    QTest::addColumn<bool>("google");
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* name, bool google, const QString& script, QString expected) {
-      expected.replace("HOME", "(35.682492,139.7529278)").replace("SOLID", "#FF0000 3 solid");
-      expected.replace("PIN", "ridefinder-images/mm_20").replace("DASHED", "#FF0000 3 10,5");
-      QTest::newRow(name) << google << script << expected;
-    };
+    const auto row = columns<bool, QString, QString>("google", "script", "expected");
     row("no point", true, "MapPolyline('', '0', '')", "HOME alert");
     row("another track", true, "MapPolyline(track(3), '1', '1'); MapPolyline(track(2), '1', '1');",
         "HOME PIN_green.png(1,11) PIN_blue.png(2,12) SOLID [(1,11) (2,12)]");
@@ -90,6 +84,9 @@ class tst_mapPages : public MapTest {
   void pictures() {
     QFETCH(bool, google);
     QFETCH(QString, script);
+    QFETCH(QString, expected);
+    expected.replace("HOME", "(35.682492,139.7529278)").replace("SOLID", "#FF0000 3 solid");
+    expected.replace("PIN", "ridefinder-images/mm_20").replace("DASHED", "#FF0000 3 10,5");
     QVERIFY(google ? loadGoogle() : loadAMap());
     view->evaluate(
         "var place = " + QString(google ? "'{lat: LAT, lng: LNG}'" : "'new AMap.LngLat(LNG,LAT)'") +
@@ -97,8 +94,8 @@ class tst_mapPages : public MapTest {
         "i => place.replace('LAT', i + 1).replace('LNG', i + 11)) + ']';");
     view->evaluate(script);
     const QString shown = value("shown()").toString();
-    QTEST((QStringList{shown} + QStringList(alerts->messages.size(), "alert")).join(' '),
-          "expected");
+    QCOMPARE((QStringList{shown} + QStringList(alerts->messages.size(), "alert")).join(' '),
+             expected);
   }
 
   // The bearing is folded into 0 to 117.

@@ -1,4 +1,5 @@
 #include "map/mapPages.h"
+#include "tests/columns.h"
 #include "web/mapRequestRules.h"
 
 #include <QTest>
@@ -35,11 +36,7 @@ class tst_mapRequests : public QObject {
 
  private Q_SLOTS:
   void requests_data() {
-    QTest::addColumn<QString>("withoutKeys");
-    QTest::addColumn<QString>("withKeys");
-    const auto row = [](const char* url, const QString& withoutKeys, const QString& withKeys) {
-      QTest::newRow(url) << withoutKeys << withKeys;
-    };
+    const auto row = columns<QString, QString>("withoutKeys", "withKeys");
     row("https://maps.googleapis.com/maps/api/js?key=&callback=initMap", "/script", "yes");
     row("http://maps.google.com/mapfiles/dir_81.png", "/images/arr/dir_81.png", "yes");
     row("https://maps.gstatic.com/mapfiles/ridefinder-images/mm_20_blue.png", "/images/end.png",

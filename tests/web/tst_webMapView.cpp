@@ -1,3 +1,4 @@
+#include "tests/columns.h"
 #include "tests/map/trackOf.h"
 #include "tests/web/webFixture.h"
 
@@ -31,15 +32,6 @@ class tst_webMapView : public MapTest {
                             "</script><!-- <script>", u"地図 🏃 \u0000x"_s, ""};
     view->callFunction("take", texts);
     QCOMPARE(value("taken").toStringList(), texts);
-  }
-
-  void callsKeepTheirOrder() {
-    QVERIFY(loadBody({}));
-    for (int i = 0; i < 5; ++i) {
-      view->callFunction("take", {QString::number(i)});
-      view->evaluate("nonsense();");  // holds nobody up
-    }
-    QCOMPARE(value("taken.join()"), "0,1,2,3,4");
   }
 
   void callsWaitForThePage() {
@@ -139,9 +131,9 @@ class tst_webMapView : public MapTest {
   }
 
   void comesBack_data() {
-    QTest::addColumn<QString>("script");
-    QTest::newRow("its process died") << QString();
-    QTest::newRow("it left") << QString("location = 'about:blank'");
+    const auto row = columns<QString>("script");
+    row("its process died", {});
+    row("it left", "location = 'about:blank'");
   }
 
   void comesBack() {
