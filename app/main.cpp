@@ -27,15 +27,6 @@
 
 namespace {
 
-ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
-  ControllerContext context;
-  context.dialogs = dialogs;
-  context.device.registry = std::make_shared<UdevRegistry>();
-  context.device.messenger = dialogs;
-  context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
-  return context;
-}
-
 /// The standard buttons of file panels speak the program's language, whatever the desktop's is.
 void speakJapanese(QApplication& application) {
   auto* translator = new QTranslator(&application);
@@ -137,7 +128,8 @@ int main(int argc, char* argv[]) {
   // Neither the controller nor the window is ever destroyed: a download thread may still use them
   // when the program ends.
   const auto dialogs = std::make_shared<MessageBoxes>();
-  auto* controller = new TrakkoAppDelegate(contextFor(dialogs));
+  auto* controller =
+      new TrakkoAppDelegate({.device = environmentHere(dialogs), .dialogs = dialogs});
   auto* window = new MainWindow(controller);
   dialogs->setWindow(window);
   auto* map = new WebMapView(dialogs);

@@ -1,5 +1,7 @@
 #include "app/tableKeys.h"
 
+#include "base/text.h"
+
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -10,10 +12,9 @@
 
 namespace {
 
-QString digitsOf(const QString& text) {
+QString digitsOf(const QString& typed) {
   QString digits;
-  std::copy_if(text.cbegin(), text.cend(), std::back_inserter(digits),
-               [](QChar c) { return c >= u'0' && c <= u'9'; });
+  std::copy_if(typed.cbegin(), typed.cend(), std::back_inserter(digits), text::isDigit);
   return digits;
 }
 

@@ -2,35 +2,41 @@
 #include "cli/command.h"
 #include "cli/interruption.h"
 #include "cli/options.h"
-#include "data/bundle.h"
 #include "device/downloadWords.h"
 #include "device/udevRegistry.h"
 #include "device/watchDownload.h"
 
 #include <QJsonObject>
 
+#include <mutex>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What the link has to say goes to standard error, as lines.
+/// What the link has to say goes to standard error, as lines. The end of the download may be told
+/// in the same words: not twice.
 class MessengerToOutput : public Messenger {
  public:
   explicit MessengerToOutput(Output& output) : output_(output) {}
-  void message(const QString& text) override { output_.message(text); }
+  void message(const QString& text) override {
+    const std::lock_guard lock(mutex_);
+    if (text != std::exchange(last_, text)) {
+      output_.message(text);
+    }
+  }
 
  private:
   Output& output_;
+  std::mutex mutex_;
+  QString last_;
 };
 
-DeviceEnvironment environmentFor(const QCommandLineParser& parser, Output& output) {
-  DeviceEnvironment environment;
-  environment.registry = parser.isSet(u"port"_s)
-                             ? std::make_shared<UdevRegistry>(parser.value(u"port"_s))
-                             : std::make_shared<UdevRegistry>();
-  environment.messenger = std::make_shared<MessengerToOutput>(output);
-  environment.lastDownloadPath = folderBeside(mainBundle()) + u"lastDownload.txt"_s;
-  return environment;
+DeviceEnvironment environmentFor(const QCommandLineParser& parser,
+                                 const std::shared_ptr<Messenger>& messenger) {
+  return parser.isSet(u"port"_s) ? environmentHere(messenger, parser.value(u"port"_s))
+                                 : environmentHere(messenger);
 }
 
 ExitCode codeOf(const DownloadOutcome& outcome) {
@@ -88,31 +94,27 @@ class DownloadCommand : public Command {
 
   ExitCode run(const QCommandLineParser& parser, Output& output) const override {
     options::noArguments(parser);
-    WatchDownload download(environmentFor(parser, output),
+    const auto messenger = std::make_shared<MessengerToOutput>(output);
+    WatchDownload download(environmentFor(parser, messenger),
                            [&output](const auto& progress) { showProgress(progress, output); });
     DownloadOutcome outcome;
     {
       const Interruption interruption([&download] { download.cancel(); });
       outcome = download.run();
     }
-    tell(parser.isSet(u"json"_s), outcome, output);
+    if (parser.isSet(u"json"_s)) {
+      output.json(QJsonDocument(objectOf(outcome)));
+    }
+    messenger->message(endOf(outcome));
     const ExitCode code = codeOf(outcome);
     return code == ExitCode::done && parser.isSet(u"erase"_s) ? erase(download, outcome, output)
                                                               : code;
   }
 
  private:
-  static void tell(bool json, const DownloadOutcome& outcome, Output& output) {
-    if (json) {
-      output.json(QJsonDocument(objectOf(outcome)));
-    }
-    if (outcome.cancelled) {
-      output.message(u"ダウンロードを中止しました。何も保存していません。"_s);
-    } else if (!outcome.linked) {
-      output.message(downloadWords::obstacle(outcome.obstacle));
-    } else {
-      output.message(downloadWords::ending(outcome));
-    }
+  static QString endOf(const DownloadOutcome& outcome) {
+    return outcome.cancelled ? u"ダウンロードを中止しました。何も保存していません。"_s
+                             : downloadWords::ending(outcome);
   }
 };
 

@@ -1,5 +1,7 @@
 #include "device/udevRegistry.h"
 
+#include "data/bundle.h"
+
 #include <QCryptographicHash>
 
 #include <libudev.h>
@@ -113,4 +115,12 @@ QList<SerialClient> UdevRegistry::serialClients() const {
     }
   });
   return found;
+}
+
+DeviceEnvironment environmentHere(std::shared_ptr<Messenger> messenger, const QString& extraNode) {
+  DeviceEnvironment environment;
+  environment.registry = std::make_shared<UdevRegistry>(extraNode);
+  environment.messenger = std::move(messenger);
+  environment.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
+  return environment;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/deviceEnvironment.h"
 #include "device/usbRegistry.h"
 
 /// The devices of this computer, through libudev.
@@ -19,3 +20,10 @@ class UdevRegistry : public UsbRegistry {
  private:
   const QString extraNode_;
 };
+
+/// The surroundings on this machine: its devices, with a watch behind the serial port `extraNode`
+/// (by default the one that the environment variable TRAKKO_WATCH_PORT names), and the kept lines
+/// beside the main bundle, which must be set.
+DeviceEnvironment environmentHere(
+    std::shared_ptr<Messenger> messenger,
+    const QString& extraNode = qEnvironmentVariable("TRAKKO_WATCH_PORT"));

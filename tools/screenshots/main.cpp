@@ -72,11 +72,7 @@ void wait(int milliseconds) {
 }
 
 ControllerContext contextFor(const std::shared_ptr<Dialogs>& dialogs) {
-  ControllerContext context;
-  context.dialogs = dialogs;
-  context.device.registry = std::make_shared<UdevRegistry>();
-  context.device.messenger = dialogs;
-  context.device.lastDownloadPath = folderBeside(mainBundle()) + QStringLiteral("lastDownload.txt");
+  ControllerContext context{.device = environmentHere(dialogs), .dialogs = dialogs};
   // Plain ground, the same on every machine: tiles of one clear pixel.
   context.mapServices.googleKey.clear();
   context.mapServices.tileAddress = QStringLiteral(
@@ -142,7 +138,7 @@ int main(int argc, char** argv) {
   qputenv("TRAKKO_WATCH_PORT", watch.path().toUtf8());
 
   const auto dialogs = std::make_shared<NoDialogs>();
-  const ControllerContext context = contextFor(dialogs);
+  const ControllerContext context{.device = environmentHere(dialogs), .dialogs = dialogs};
   auto* controller = new TrakkoAppDelegate(context);
   auto* window = new MainWindow(controller);
   auto* map = new WebMapView(dialogs, context.mapServices, {});
