@@ -138,7 +138,7 @@ int main(int argc, char** argv) {
   qputenv("TRAKKO_WATCH_PORT", watch.path().toUtf8());
 
   const auto dialogs = std::make_shared<NoDialogs>();
-  const ControllerContext context{.device = environmentHere(dialogs), .dialogs = dialogs};
+  const ControllerContext context = contextFor(dialogs);
   auto* controller = new TrakkoAppDelegate(context);
   auto* window = new MainWindow(controller);
   auto* map = new WebMapView(dialogs, context.mapServices, {});
