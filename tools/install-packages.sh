@@ -17,7 +17,7 @@ case ${1:-run} in
   test) wanted="$run_packages $test_packages" ;;
   lint) wanted="$run_packages $test_packages clang-format clang-tidy git" ;;
   fuzz) wanted="$run_packages $test_packages clang libclang-rt-14-dev" ;;
-  faults) wanted="$run_packages $test_packages strace procps" ;;
+  faults) wanted="$run_packages $test_packages strace xdotool openbox" ;;
   *) echo "usage: $0 [run|test|lint|fuzz|faults]" >&2; exit 2 ;;
 esac
 

@@ -16,7 +16,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QMap>
 #include <QRegularExpression>
 #include <QScopeGuard>
 
@@ -186,63 +185,58 @@ void damage(Outcome& outcome, int rounds) {
   }
 }
 
+constexpr int watchRuns = 2;
+
+EmulatedWatchOptions smallWatch() {
+  return {.memory = makeMemory({.runs = watchRuns, .pointsPerRun = 5}), .fullSpeed = true};
+}
+
 /// One download in this process as the program makes it; given up when its line is lost.
 DownloadOutcome download(const QString& node, const StoreFolder& folder, double answerLimit = 5.0) {
   const auto registry = std::make_shared<FakeRegistry>();
   registry->plugWatch(node);
   WatchDownload* self = nullptr;
   WatchDownload download({registry, nullptr, answerLimit, folder.in("lastDownload.txt")},
-                         [&self](const DownloadProgress& progress) {
-                           if (progress.stalled) {
-                             self->cancel();
-                           }
-                         });
+                         [&self](auto progress) { progress.stalled ? self->cancel() : void(); });
   self = &download;
   return download.run();
 }
 
 /// What comes after a fault is a whole download.
-void noteNext(Outcome& outcome, const EmulatedWatchOptions& good, const StoreFolder& folder,
-              qint64 runs, const QString& where) {
-  EmulatedWatch watch(good);
+void noteNext(Outcome& outcome, const StoreFolder& folder, const QString& where) {
+  EmulatedWatch watch(smallWatch());
   watch.start();
   const qint32 code = download(watch.path(), folder).code;
   const bool whole = code == downloadResult::stored || code == downloadResult::noRunCompleted;
-  outcome.note(whole ? problem(folder.database, runs, runs) : QString("code %1").arg(code),
-               "the download after it, " + where);
+  outcome.note(
+      whole ? problem(folder.database, watchRuns, watchRuns) : QString("code %1").arg(code),
+      "the download after " + where);
 }
 
 /// Unplugging at every 36th byte of a download, then at random ones. All in this process, in which
 /// nothing may stay behind.
 void unplug(Outcome& outcome, int rounds) {
-  constexpr int runs = 2;
-  EmulatedWatchOptions good;
-  good.memory = makeMemory({.runs = runs, .pointsPerRun = 5});
-  good.fullSpeed = true;
-  const QDir threads("/proc/self/task");
-  const QDir descriptors("/proc/self/fd");
-  const auto before = std::pair(threads.count(), descriptors.count());
-  const qsizetype total = 36 * (good.memory.size() + 1);
-  for (int round = 0; round <= total / 36 + rounds; ++round) {
-    const qsizetype at =
-        round <= total / 36 ? qsizetype{36} * round : qsizetype(chance() % size_t(total));
-    const QString where = QString("unplugged after %1 bytes").arg(at);
+  EmulatedWatchOptions options = smallWatch();
+  const auto inUse = [] {
+    return std::pair(QDir("/proc/self/task").count(), QDir("/proc/self/fd").count());
+  };
+  const auto before = inUse();
+  const qsizetype blocks = options.memory.size() + 1;
+  for (int round = 0; round <= blocks + rounds; ++round) {
+    options.hangUpAfter = round <= blocks ? 36 * qint64{round} : qint64(chance() % (36 * blocks));
+    const QString where = QString("unplugging at byte %1").arg(*options.hangUpAfter);
     const StoreFolder folder;
-    EmulatedWatchOptions unplugged = good;
-    unplugged.hangUpAfter = at;
-    EmulatedWatch watch(unplugged);
+    EmulatedWatch watch(options);
     watch.start();
-    const qint32 code = download(watch.path(), folder, 0.3).code;
-    const int expected = code == downloadResult::stored ? runs : 0;
+    const bool stored = download(watch.path(), folder, 0.3).code == downloadResult::stored;
+    const int expected = stored ? watchRuns : 0;
     outcome.note(problem(folder.database, expected, expected), where);
-    noteNext(outcome, good, folder, runs, where);
+    noteNext(outcome, folder, where);
   }
   while (detachedThreadCount() > 0) {
     usleep(1000);
   }
-  outcome.note(
-      std::pair(threads.count(), descriptors.count()) == before ? QString() : "left behind",
-      "threads and descriptors");
+  outcome.note(inUse() == before ? QString() : "left behind", "threads and descriptors");
 }
 
 /// Begins when it is continued, on a thread of its own as in the program; a hang is ended by the
@@ -265,8 +259,8 @@ int downloadWhenContinued(const QString& node, const StoreFolder& folder) {
 
 /// A download under strace, which comes to it when it stands still, so that no call before it
 /// counts. How many runs it acknowledged, -1 after a crash or a hang.
-int traced(const EmulatedWatchOptions& good, const StoreFolder& folder, const QString& injection) {
-  EmulatedWatch watch(good);
+int traced(const StoreFolder& folder, const QString& injection) {
+  EmulatedWatch watch(smallWatch());
   watch.start();
   const pid_t child = inChild([&] { return downloadWhenContinued(watch.path(), folder); });
   waitpid(child, nullptr, WUNTRACED);
@@ -284,62 +278,44 @@ int traced(const EmulatedWatchOptions& good, const StoreFolder& folder, const QS
   return acknowledged;
 }
 
-/// The calls of a download that can fail, and the most that one thread makes of each.
-QMap<QString, int> callsIn(const QByteArray& trace) {
-  static const QRegularExpression one("^(\\d+) +(\\w+)\\(", QRegularExpression::MultilineOption);
-  static const QRegularExpression neverFails(
-      "^(futex|exit.*|rt_sig.*|rseq|set_robust_list|sched_yield|munmap|restart_syscall|clock_.*|get.*)$");
-  QHash<QString, int> ofThread;
-  QMap<QString, int> most;
-  for (auto found = one.globalMatch(QString::fromLatin1(trace)); found.hasNext();) {
-    const QRegularExpressionMatch call = found.next();
-    if (!neverFails.match(call.captured(2)).hasMatch()) {
-      int& made = most[call.captured(2)];
-      made = qMax(made, ++ofThread[call.captured()]);
-    }
-  }
-  return most;
-}
-
-/// Each of them failing, each time that a thread makes it; of two processes each takes every
-/// second.
-void failCalls(Outcome& outcome, int part) {
-  constexpr int runs = 2;
+/// Each call that can fail, each time that a thread makes it.
+QStringList injectionsFor(const QByteArray& trace) {
+  static const QRegularExpression call(
+      "^\\d+ +(?!futex|exit|rt_sig|rseq|set_robust_list|sched_yield|munmap|restart|clock_|get)"
+      "(\\w+)\\(",
+      QRegularExpression::MultilineOption);
   static const QHash<QString, QString> errors{{"pwrite64", "ENOSPC"}, {"mmap", "ENOMEM"},
                                               {"brk", "ENOMEM"},      {"mprotect", "ENOMEM"},
                                               {"clone3", "EAGAIN"},   {"openat", "EMFILE"}};
-  EmulatedWatchOptions good;
-  good.memory = makeMemory({.runs = runs, .pointsPerRun = 5});
-  good.fullSpeed = true;
-  QMap<QString, int> calls;
-  {
-    const StoreFolder folder;
-    QFile::remove(folder.database);  // the tables are made as well
-    outcome.note(traced(good, folder, "trace=all") == runs ? QString() : "fails",
-                 "no call failing");
-    calls = callsIn(bytesOf(folder.in("trace")));
-  }
-  int number = 0;
-  for (auto call = calls.cbegin(); call != calls.cend(); ++call) {
-    for (int time = 1; time <= call.value(); ++time) {
-      if (++number % 2 != part) {
-        continue;
-      }
-      const StoreFolder folder;
-      QFile::remove(folder.database);
-      const QString injection = QString("inject=%1:error=%2:when=%3")
-                                    .arg(call.key())
-                                    .arg(errors.value(call.key(), "EIO"))
-                                    .arg(time);
-      const int acknowledged = traced(good, folder, injection);
-      const QByteArray trace = bytesOf(folder.in("trace"));
-      const QByteArray failed = trace.first(qMax<qsizetype>(0, trace.indexOf(" (INJECTED)")));
-      const QString where = injection + ' ' + failed.mid(failed.lastIndexOf('\n') + 1).left(100);
-      outcome.note(
-          acknowledged < 0 ? "a crash or a hang" : problem(folder.database, acknowledged, runs),
-          where);
-      noteNext(outcome, good, folder, runs, where);
+  QHash<QString, int> ofThread;
+  QHash<QString, int> most;
+  QStringList injections;
+  for (auto found = call.globalMatch(QString::fromLatin1(trace)); found.hasNext();) {
+    const QRegularExpressionMatch made = found.next();
+    const QString name = made.captured(1);
+    if (++ofThread[made.captured()] > most[name]) {
+      injections << QString("inject=%1:error=%2:when=%3")
+                        .arg(name, errors.value(name, "EIO"))
+                        .arg(++most[name]);
     }
+  }
+  return injections;
+}
+
+/// Without a fault first, then with each; of two processes each takes every second one. The tables
+/// are made as well.
+void failCalls(Outcome& outcome, int part) {
+  QStringList injections{"trace=all"};
+  for (qsizetype i = 0; i < injections.size(); i += i == 0 ? 1 + part : 2) {
+    const StoreFolder folder;
+    QFile::remove(folder.database);
+    const int acknowledged = traced(folder, injections[i]);
+    const int least = i == 0 ? watchRuns : acknowledged;
+    outcome.note(
+        acknowledged < 0 ? "a crash or a hang" : problem(folder.database, least, watchRuns),
+        injections[i]);
+    noteNext(outcome, folder, injections[i]);
+    injections += i == 0 ? injectionsFor(bytesOf(folder.in("trace"))) : QStringList();
   }
 }
 
