@@ -62,7 +62,7 @@ struct Footprint {
 class User {
  public:
   User() {
-    fixture_.registry->node = fixture_.file("watch");
+    fixture_.registry->plugWatch(fixture_.file("watch"));
     fixture_.start();
     copy(fixture_.file("gpsData.db3"), fixture_.file("empty.db3"));
   }
@@ -73,7 +73,7 @@ class User {
       EmulatedWatch watch(
           {.memory = makeMemory(
                {.seed = quint32(dice()), .runs = 1 + below(5), .pointsPerRun = below(90)}),
-           .link = fixture_.registry->node,
+           .link = fixture_.file("watch"),
            .fullSpeed = below(2) == 0});
       watch.start();
       for (int i = 0; i < 40 && left > 0; ++i, --left) {
