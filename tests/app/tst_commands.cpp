@@ -67,14 +67,13 @@ class tst_commands : public QObject {
     QFETCH(QString, type);
     QString shown;
     QTimer::singleShot(0, this, [&] {
-      QFileDialog* panel = nullptr;
       for (QWidget* widget : QApplication::topLevelWidgets()) {
-        panel = panel == nullptr ? qobject_cast<QFileDialog*>(widget) : panel;
+        if (auto* panel = qobject_cast<QFileDialog*>(widget)) {
+          shown = panel->windowTitle() + '|' + panel->nameFilters().join(' ') + '|' +
+                  (saves ? panel->selectedFiles().value(0).section('/', -1) : QString());
+          panel->reject();
+        }
       }
-      QVERIFY(panel != nullptr);
-      shown = panel->windowTitle() + '|' + panel->nameFilters().join(' ') + '|' +
-              (saves ? panel->selectedFiles().value(0).section('/', -1) : QString());
-      panel->reject();
     });
     MessageBoxes boxes;
     QVERIFY((saves ? boxes.fileToSave("title", "name", type) : boxes.fileToOpen("title", type))

@@ -31,6 +31,8 @@ struct PluggedWindow : WindowFixture {
     registry->plugWatch(watch.path());
   }
   ~PluggedWindow() { settle(); }  // before the watch goes
+  PluggedWindow(const PluggedWindow&) = delete;
+  PluggedWindow& operator=(const PluggedWindow&) = delete;
 
   void download() {
     controller->downloadDataBu();

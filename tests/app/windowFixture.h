@@ -102,6 +102,8 @@ struct WindowFixture {
   }
 
   ~WindowFixture() { settle(); }
+  WindowFixture(const WindowFixture&) = delete;
+  WindowFixture& operator=(const WindowFixture&) = delete;
 
   QString file(const QString& name) const { return folder.filePath(name); }
 
