@@ -19,7 +19,7 @@ namespace {
 Q_LOGGING_CATEGORY(lcLoader, "trakko.loader", QtInfoMsg)
 
 /// Then the run before the last one is forgotten everywhere, and nobody is waiting.
-constexpr std::chrono::seconds restTime{3};
+constexpr std::chrono::seconds restTime{5};
 
 /// Whether the result has become useless meanwhile.
 using IsStale = std::function<bool()>;
@@ -147,7 +147,13 @@ void RunLoader::Work::run(const std::shared_ptr<Work>& work) {
 RunLoader::RunLoader() : work_(std::make_shared<Work>()) {
   rest_.setSingleShot(true);
   rest_.setInterval(restTime);
-  QObject::connect(&rest_, &QTimer::timeout, [] { giveBackFreeMemory(); });
+  QObject::connect(&rest_, &QTimer::timeout, [this] {
+    if (work_->receiver) {
+      rest_.start();  // still reading
+    } else {
+      giveBackFreeMemory();
+    }
+  });
 }
 RunLoader::~RunLoader() = default;
 

@@ -104,11 +104,12 @@ class Program : public QObject {
     waitForTrack();
   }
   /// Until the program has given back what it does not need.
-  void waitForRest() {
+  void waitForRest(bool isBrief) {
+    constexpr qint64 restTime = 11'000;
     waitForThreads();
     QElapsedTimer rest;
     rest.start();
-    waitFor([&rest] { return rest.hasExpired(4000); });
+    waitFor([&] { return isBrief || rest.hasExpired(restTime); });
   }
   /// Until it is known where each run's points lie.
   void waitForThreads() {
@@ -232,7 +233,7 @@ void measureQuestions(int clicks) {
   print("memory of all processes", memoryOfProcesses(), "MiB");
   measureClicks(program, clicks, "later");
   measureKeys(program);
-  program.waitForRest();
+  program.waitForRest(clicks < 10);
   print("memory of all processes after a rest", memoryOfProcesses(), "MiB");
   const QByteArray shown = QByteArray::number(program.controller->currentNumber);
   print("sqlite3 printing all runs",
@@ -259,7 +260,7 @@ void measureViews(int views, qint64 points) {
     times.push_back(program.show(view % 2).first);
     if (view == 1 || view == views || view % 25 == 0) {
       const double busy = memoryOfProcesses();
-      program.waitForRest();
+      program.waitForRest(views < 10);
       const double now = memoryOfProcesses();
       const double own = memoryOf(QCoreApplication::applicationPid());
       first = view == 1 ? now : first;
