@@ -81,8 +81,12 @@ class User {
         QTest::qWait(below(40));
       }
     }
-    QTest::qWait(800);                      // a download that lost its watch stalls by now,
-    fixture_.controller->downloadDataBu();  // and is given up by the next
+    // A download that lost its watch stalls, and is given up by the next.
+    for (int tries = 0; detachedThreadCount() > 0 && tries < 20; ++tries) {
+      QTest::qWait(800);
+      fixture_.controller->downloadDataBu();
+      QTest::qWait(200);
+    }
     settle();
     fixture_.dialogs->fileAnswer = fixture_.file("empty.db3");
     fixture_.dialogs->confirmAnswer = true;
@@ -110,9 +114,14 @@ class User {
   }
 
   static void settle() {
+    QElapsedTimer timer;
+    timer.start();
     for (int quiet = 0; quiet < 20; ++quiet) {
       QTest::qWait(20);
       quiet = detachedThreadCount() > 0 ? 0 : quiet;
+      if (timer.hasExpired(60000)) {
+        qFatal("a thread does not end");
+      }
     }
   }
 
