@@ -139,6 +139,9 @@ Result exchange(const QString& database, const QString& kept, const HeldDatabase
   if (other.result() == SQLITE_BUSY) {
     return {Failure::chosenBusy, other.message()};
   }
+  if (other.result() != SQLITE_OK && hasCompanions(kept)) {
+    return unreadable(other.message());  // what they hold would be lost
+  }
   removeCompanions(kept);  // worked off when the file was opened
   if (Result moved = moveCompanions(database, kept, watcher); !moved) {
     return moved;

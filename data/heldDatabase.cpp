@@ -52,12 +52,10 @@ int HeldDatabase::begin(const char* beginning) {
 }
 
 // A transaction that meets a reader at its end keeps new readers out until that one has finished,
-// and a copy takes its time. One that cannot begin meanwhile disturbs nobody. Where it has begun
-// already, or the file is only readable, reading has to do.
+// and a copy takes its time. One that cannot begin meanwhile disturbs nobody. Where one does not
+// end, or the file is only readable, reading has to do.
 int HeldDatabase::hold(bool writable) {
-  sqlite3_busy_timeout(connection_.get(), 0);
   const bool held = writable && begin(beginWriting) == SQLITE_OK;
-  sqlite3_busy_timeout(connection_.get(), busyLimit);
   return held ? SQLITE_OK : begin(beginReading);
 }
 
