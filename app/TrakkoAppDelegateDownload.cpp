@@ -15,7 +15,8 @@
 namespace {
 
 Verdict verdictOf(const DownloadOutcome& outcome) {
-  const bool whole = outcome.linked && outcome.runsNotStored == 0 && outcome.shortBlocks == 0;
+  const bool whole = outcome.linked && outcome.runsNotStored == 0 && outcome.shortBlocks == 0 &&
+                     !outcome.isMixed();
   if (whole && outcome.code == downloadResult::stored) {
     return Verdict::done;
   }

@@ -69,8 +69,11 @@ void showProgress(const DownloadProgress& progress, Output& output) {
                       : u"%1 %2ブロック"_s.arg(downloadWords::running()).arg(progress.blocks));
 }
 
-/// Only what is stored and kept may be erased unasked.
+/// Only what is stored and kept may be erased unasked; an empty watch needs no erasing.
 ExitCode erase(WatchDownload& download, const DownloadOutcome& outcome, Output& output) {
+  if (!outcome.linked || outcome.cancelled || outcome.code == downloadResult::noRecords) {
+    return codeOf(outcome);
+  }
   if (!outcome.isSafe()) {
     output.message(
         u"すべてが確実に保存されたとは言えないため、時計のデータは消去しませんでした。"_s);
@@ -106,9 +109,11 @@ class DownloadCommand : public Command {
       output.json(QJsonDocument(objectOf(outcome)));
     }
     messenger->message(endOf(outcome));
-    const ExitCode code = codeOf(outcome);
-    return code == ExitCode::done && parser.isSet(u"erase"_s) ? erase(download, outcome, output)
-                                                              : code;
+    const bool isStored = outcome.code == downloadResult::stored;
+    if (const QString doubt = downloadWords::warning(outcome); isStored && !doubt.isNull()) {
+      messenger->message(doubt);
+    }
+    return parser.isSet(u"erase"_s) ? erase(download, outcome, output) : codeOf(outcome);
   }
 
  private:

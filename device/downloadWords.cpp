@@ -17,8 +17,8 @@ QString runsMissing(qsizetype all, qsizetype missing) {
 QString howToReplay(const QString& path) {
   return QStringLiteral(
              "受信したデータは「%1」に残してあります。"
-             "「trakko-cli replay --data 空のフォルダー %1」で、空のフォルダーに取り込めます。")
-      .arg(QFileInfo(path).fileName());
+             "「trakko-cli replay --data 空のフォルダ '%1'」で、空のフォルダに取り込めます。")
+      .arg(path);
 }
 
 /// What became of the received lines of a download that did not reach the database as a whole.
@@ -43,8 +43,15 @@ QString losses(const DownloadOutcome& outcome) {
   if (outcome.shortBlocks > 0) {
     lost += QStringLiteral(
                 "受信中にデータが%1か所で途切れました。ランが欠けているかもしれません。"
-                "欠けたランは、消去してからもう一度ダウンロードすると取り込み直せます。")
+                "時計のデータは消去せず、欠けたランをこの一覧から消去してから、"
+                "もう一度ダウンロードすると取り込み直せます。")
                 .arg(outcome.shortBlocks);
+  }
+  if (lost.isEmpty() && outcome.code == downloadResult::stored && outcome.isMixed()) {
+    lost = storedRuns(outcome.runsStored()) +
+           QStringLiteral(
+               "保存済みのランが時計に残っていたため、トラックポイントが別のランに入っている"
+               "かもしれません。");
   }
   return lost.isEmpty() ? QString() : lost + keptLines(outcome);
 }
@@ -147,7 +154,7 @@ QString replayed(const ReplayOutcome& outcome) {
   if (outcome.wouldMix) {
     return QStringLiteral(
         "保存済みのランと新しいランが混ざっているため、取り込みませんでした。"
-        "空のフォルダーに取り込んで下さい。");
+        "空のフォルダに取り込んで下さい。");
   }
   if (outcome.runsNotStored > 0) {
     return runsMissing(outcome.newRuns, outcome.runsNotStored);

@@ -104,8 +104,9 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   /// They are in DeviceEnvironment::lastDownloadPath, until the next download of more than two
   /// lines.
   std::atomic<bool> linesKept{false};
-  /// File that holds them for good because runs were not stored or blocks stayed short; null when
-  /// that is not so or the file could not be made. Thread of the commands.
+  /// File that holds them for good because runs were not stored, blocks stayed short or points may
+  /// be mixed (downloadResult::mixesPoints); null when that is not so or the file could not be
+  /// made. Thread of the commands.
   QString lastingPath;
 
   // How the transfer went.

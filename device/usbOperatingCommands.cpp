@@ -128,7 +128,7 @@ void usbOperating::keepLines() {
 /// lines: the next download must not replace them. The same goes for several new runs among known
 /// ones, whose points go by their place among the new.
 void usbOperating::keepDoubtfulLines(const QDateTime& end) {
-  const bool mixed = knownRuns > 0 && newRuns > 1;
+  const bool mixed = downloadResult::mixesPoints(knownRuns, newRuns);
   if (runsNotStored == 0 && shortBlocks == 0 && !mixed) {
     return;
   }

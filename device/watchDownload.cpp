@@ -12,8 +12,7 @@ constexpr std::chrono::milliseconds toldEvery{100};
 
 bool DownloadOutcome::isSafe() const {
   const bool wholly = code == downloadResult::stored || code == downloadResult::noRunCompleted;
-  const bool mixed = knownRuns > 0 && newRuns > 1;
-  return linked && !cancelled && wholly && runsNotStored == 0 && !mixed && shortBlocks == 0 &&
+  return linked && !cancelled && wholly && runsNotStored == 0 && !isMixed() && shortBlocks == 0 &&
          linesKept;
 }
 

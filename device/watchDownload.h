@@ -35,9 +35,9 @@ struct DownloadOutcome {
   QString lastingPath;          ///< File that keeps the lines for good; null when none had to.
 
   qsizetype runsStored() const { return newRuns - runsNotStored; }
+  bool isMixed() const { return downloadResult::mixesPoints(knownRuns, newRuns); }
   /// Everything that the watch sent is in the database, and its lines are kept: the watch may be
-  /// erased unasked. Not so with several new runs among known ones: their points go by their place
-  /// among the new, so some may have gone to the wrong run.
+  /// erased unasked.
   bool isSafe() const;
 };
 

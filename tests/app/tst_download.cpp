@@ -100,11 +100,23 @@ class tst_download : public QObject {
     QVERIFY(!fixture.watch.commands().contains("erase"));
   }
 
+  // The points of several new runs go by their place among the new ones.
+  void newRunsAmongKnownOnesAreDoubtful() {
+    PluggedWindow fixture;
+    fixture.download();
+    QCOMPARE(dataControl().deleteOneData(2), 1);
+    QCOMPARE(dataControl().deleteOneData(3), 1);
+    fixture.download();
+    QVERIFY(fixture.dialogs->messages().join(u'|').contains("別のランに入っているかもしれません"));
+    QVERIFY2(fixture.line().startsWith("新しいラン2件を保存しました。"),
+             qUtf8Printable(fixture.line()));
+  }
+
   void warningsBeforeTheErasure_data() {
     const auto row =
         columns<bool, bool, QString, QString>("runFails", "fileFails", "message", "line");
     row("a run is not stored", true, false,
-        "3件のうち1件のランを保存できませんでした。受信したデータは「lastDownload-",
+        "3件のうち1件のランを保存できませんでした。受信したデータは「/",
         "3件のうち1件のランを保存できませんでした。");
     row("the lines are not kept", false, true, "控えをファイルに残せませんでした",
         "新しいラン3件を保存しました。");
