@@ -31,6 +31,7 @@ class MapView;
 class QProgressBar;
 class QPushButton;
 class QTableView;
+class dataControl;
 
 /// What the controller works with besides the window.
 struct ControllerContext {
@@ -198,7 +199,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void showStatus(const QString& line, Verdict verdict = Verdict::note);
   void report(const databaseFile::Result& result, const QString& done, const QString& failed);
   void askAndRestore(const QString& path, const QString& question, const QString& doubt);
-  /// Whether a backup or restore is under way; the user is told then.
+  /// Whether a backup, a restore or a delete is under way; the user is told then.
   bool fileWorkRuns();
   /// Does `work` on a thread of its own, with `line` and how far it got shown meanwhile, and then
   /// `done` on the main thread.
@@ -213,6 +214,8 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   /// What is being read now no longer counts.
   void forgetLoads();
   PageSettings pageSettings() const;
+  bool mayDelete();
+  void startDelete(std::function<qint32(dataControl&)> work, std::function<void(qint32)> done);
   void oneDeleted(qint64 number, qint32 result);
   void allDeleted(qint32 result);
   void reportDeletion(qint32 result);

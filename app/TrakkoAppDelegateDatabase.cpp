@@ -105,7 +105,7 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, const QString& questi
 
 bool TrakkoAppDelegate::fileWorkRuns() {
   if (fileWorkRuns_) {
-    showStatus(QStringLiteral("バックアップまたは復元が終わるまでお待ち下さい。"));
+    showStatus(QStringLiteral("バックアップ、復元、消去が終わるまでお待ち下さい。"));
   }
   return fileWorkRuns_;
 }

@@ -6,30 +6,59 @@
 #include "base/mainQueue.h"
 #include "base/text.h"
 #include "data/dataControl.h"
+#include "data/databaseUse.h"
+
+#include <QScopeGuard>
+
+#include <memory>
+#include <utility>
 
 void TrakkoAppDelegate::deleteOneData() {
   // While the question stands, a download may end and choose another run.
   const qint64 number = currentNumber;
-  if (fileWorkRuns() || runViewData.empty() || number <= 0 ||
+  if (!mayDelete() || runViewData.empty() || number <= 0 ||
       !context_.dialogs->confirmErase(QStringLiteral("このデータを消去しますか？"))) {
     return;
   }
-  showStatus(QStringLiteral("消去しています..."), Verdict::progress);
-  detachThread("delete", [this, number] {
-    const qint32 result = dataControl().deleteOneData(number);
-    performOnMainThread([this, number, result] { oneDeleted(number, result); });
-  });
+  startDelete([number](dataControl& store) { return store.deleteOneData(number); },
+              [this, number](qint32 result) { oneDeleted(number, result); });
 }
 
 void TrakkoAppDelegate::deleteAllData() {
-  if (fileWorkRuns() || runViewData.empty() ||
+  if (!mayDelete() || runViewData.empty() ||
       !context_.dialogs->confirmErase(QStringLiteral("全てのデータを消去しますか？"))) {
     return;
   }
+  startDelete([](dataControl& store) { return store.deleteAllData(); },
+              [this](qint32 result) { allDeleted(result); });
+}
+
+// A second delete, or a backup that holds the file, would make one of the two fail; so would a
+// download that is just being stored.
+bool TrakkoAppDelegate::mayDelete() {
+  if (fileWorkRuns()) {
+    return false;
+  }
+  const bool isFree = databaseUse::ifFree().owns_lock();
+  if (!isFree) {
+    showStatus(QStringLiteral("ランを保存しています。終わるまでお待ち下さい。"));
+  }
+  return isFree;
+}
+
+void TrakkoAppDelegate::startDelete(std::function<qint32(dataControl&)> work,
+                                    std::function<void(qint32)> done) {
   showStatus(QStringLiteral("消去しています..."), Verdict::progress);
-  detachThread("delete", [this] {
-    const qint32 result = dataControl().deleteAllData();
-    performOnMainThread([this, result] { allDeleted(result); });
+  fileWorkRuns_ = detachThread("delete", [this, work = std::move(work), done = std::move(done)] {
+    const auto result = std::make_shared<qint32>(-1);
+    const auto atAnyEnd = qScopeGuard([&] {
+      performOnMainThread([this, result, done] {
+        fileWorkRuns_ = false;
+        done(*result);
+      });
+    });
+    dataControl store;
+    *result = work(store);
   });
 }
 
