@@ -56,6 +56,7 @@ void ExportManyDialog::addPeriod() {
   for (QDateEdit* day : {first_, last_}) {
     day->setDisplayFormat(u"yyyy-MM-dd"_s);
     day->setCalendarPopup(true);
+    connect(day, &QDateEdit::dateChanged, this, &ExportManyDialog::enableParts);
   }
   connect(period_, &QComboBox::currentIndexChanged, this, &ExportManyDialog::choosePeriod);
   auto* days = new QHBoxLayout;
@@ -106,7 +107,8 @@ void ExportManyDialog::enableParts() {
   first_->setEnabled(period_->currentData() == otherDays);
   last_->setEnabled(period_->currentData() == otherDays);
   if (start_ != nullptr) {
-    start_->setEnabled(QFileInfo(folder_->text()).isDir());
+    const bool hasDays = period_->currentData() != otherDays || first_->date() <= last_->date();
+    start_->setEnabled(hasDays && QFileInfo(folder_->text()).isDir());
   }
 }
 

@@ -64,8 +64,9 @@ std::optional<LoadedTrack> readOrFail(const IsStale& isStale, const TrackRequest
                                       dataControl::KnownRuns& runs) {
   try {
     return readUnless(isStale, wanted, runs);
-  } catch (const std::exception& error) {
-    qCCritical(lcLoader, "run %lld: %s", static_cast<long long>(wanted.number), error.what());
+  } catch (...) {
+    const std::exception_ptr error = std::current_exception();
+    runGuarded("loader", [&error] { std::rethrow_exception(error); });  // told to the user
     LoadedTrack nothing;
     nothing.failed = true;
     return nothing;
@@ -84,6 +85,7 @@ struct RunLoader::Work {
   // What the loader and its thread share, under the mutex.
   std::optional<Job> waiting;
   bool threadLives = false;
+  bool gaveUp = false;
   dataControl::KnownRuns runs;  ///< The thread's alone.
   // The newest request. Main thread.
   int newest = 0;
@@ -94,6 +96,7 @@ struct RunLoader::Work {
   std::optional<Job> takeJob();
   void giveUp();
   bool isSuperseded();
+  bool hasGivenUp();
   void answer(int id, LoadedTrack& track);
   static void run(const std::shared_ptr<Work>& work);
 };
@@ -102,6 +105,7 @@ struct RunLoader::Work {
 bool RunLoader::Work::hand(Job job) {
   const std::lock_guard lock(mutex);
   waiting = std::move(job);
+  gaveUp = false;
   return !std::exchange(threadLives, true);
 }
 
@@ -117,11 +121,18 @@ void RunLoader::Work::giveUp() {
   const std::lock_guard lock(mutex);
   waiting.reset();
   threadLives = false;
+  gaveUp = true;
 }
 
 bool RunLoader::Work::isSuperseded() {
   const std::lock_guard lock(mutex);
   return waiting.has_value();
+}
+
+/// Whether the newest job was left without an answer.
+bool RunLoader::Work::hasGivenUp() {
+  const std::lock_guard lock(mutex);
+  return gaveUp;
 }
 
 void RunLoader::Work::answer(int id, LoadedTrack& track) {
@@ -160,7 +171,7 @@ RunLoader::~RunLoader() = default;
 void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
   rest_.start();
   const bool unanswered = std::exchange(work_->receiver, std::move(receiver)) != nullptr;
-  if (unanswered && wanted == work_->wanted) {
+  if (unanswered && wanted == work_->wanted && !work_->hasGivenUp()) {
     return;
   }
   work_->wanted = wanted;

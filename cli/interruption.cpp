@@ -33,6 +33,8 @@ Interruption::Interruption(std::function<void()> act) {
     signalfd_siginfo taken{};  // one that nobody takes would end the process later
     if (files[1].revents != 0 && ::read(signals_, &taken, sizeof taken) > 0) {
       act();
+      const sigset_t again = endingSignals();
+      pthread_sigmask(SIG_UNBLOCK, &again, nullptr);  // a second one ends the process at once
     }
   });
 }

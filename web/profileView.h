@@ -75,7 +75,6 @@ class ProfileView : public WebPageHost {
   void showWindow(double from, double to);
   /// The places of the run's first and last point.
   std::pair<double, double> whole() const;
-  QJsonObject drawing() const;
   const ProfilePoint& point(int row) const;
 
   std::shared_ptr<const RunProfile> run_;

@@ -367,6 +367,10 @@
     dragFrom = null;
     element('stretch').hidden = true;
   });
+  chart.addEventListener('pointercancel', () => {
+    dragFrom = null;
+    element('stretch').hidden = true;
+  });
   chart.addEventListener('pointerleave', () => tell('leave'));
   chart.addEventListener('dblclick', () => tell('all'));
   chart.addEventListener('keydown', event => {
