@@ -222,7 +222,7 @@ class tst_profileLink : public QObject {
   /// The value of a script expression in the page, after what was asked before. What the page tells
   /// has reached the program, and what that answers has reached the page.
   QString value(const QString& expression) const {
-    const QString result = answer(expression);
+    QString result = answer(expression);
     answer("0");
     return result;
   }
