@@ -48,7 +48,7 @@ endfunction()
 function(trakko_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
   if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
+    set(ARG_TIMEOUT 300)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE trakko_rules trakko_tests Qt6::Test ${ARG_LINKS})
@@ -75,7 +75,7 @@ function(trakko_bench name)
   if(TRAKKO_DEVELOPER)
     add_test(NAME ${name}
       COMMAND ${name} --benchmark_min_time=0.001 --benchmark_filter=${ARG_BRIEF})
-    set_tests_properties(${name} PROPERTIES LABELS bench TIMEOUT 60
+    set_tests_properties(${name} PROPERTIES LABELS bench TIMEOUT 180
       FAIL_REGULAR_EXPRESSION "ERROR OCCURRED"
       ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=*=false")
   endif()

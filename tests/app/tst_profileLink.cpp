@@ -233,7 +233,7 @@ class tst_profileLink : public QObject {
       result = value.toString();
       loop.exitLoop();
     });
-    loop.enterLoopMSecs(10000);
+    loop.enterLoopMSecs(30000);
     return result;
   }
 

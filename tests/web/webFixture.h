@@ -96,11 +96,13 @@ class MapTest : public QObject {
     return load(getGDHtmlStr({imageFolder, services}), title);
   }
 
+  static constexpr int patience = 30000;  // milliseconds; a busy machine starts an engine slowly
+
   // Waiting goes through real event loops throughout: QTest::qWaitFor() and QTRY_ macros sleep
   // between events, and the engine needs hundreds of them for one page.
 
   bool waitForTitle(const QString& title) const {
-    while (!titles->contains(QVariantList{title}) && titles->wait(10000)) {
+    while (!titles->contains(QVariantList{title}) && titles->wait(patience)) {
     }
     return titles->contains(QVariantList{title});
   }
@@ -117,14 +119,14 @@ class MapTest : public QObject {
         result = v;
         loop.exitLoop();
       });
-      loop.enterLoopMSecs(10000);
+      loop.enterLoopMSecs(patience);
     }
     return result;
   }
 
   /// Whether the script expression becomes true.
   bool becomes(const QString& expression) const {
-    const QDeadlineTimer limit(10000);
+    const QDeadlineTimer limit(patience);
     while (!value(expression).toBool() && !limit.hasExpired()) {
       QTestEventLoop::instance().enterLoopMSecs(10);
     }
