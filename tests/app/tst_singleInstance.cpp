@@ -26,6 +26,7 @@ class tst_singleInstance : public QObject {
       QSignalSpy raised(&first, &SingleInstance::raiseRequested);
       std::atomic<int> passedOn{0};
       std::vector<std::thread> starts;  // each as another process would be
+      starts.reserve(5);
       for (int i = 0; i < 5; ++i) {
         starts.emplace_back([&, i] {
           SingleInstance further(i == 0 ? otherName : name);

@@ -103,7 +103,7 @@ class tst_databaseFile : public QObject {
     } else if (how == "cut") {
       QVERIFY(file.resize(file.size() - 5000));
     } else if (how == "one page") {
-      QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(20 * 4096));
+      QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(qint64(20) * 4096));
       file.write(QByteArray(4096, 'x'));
     } else if (how == "journal") {
       killBehind(halfATransaction, database);
