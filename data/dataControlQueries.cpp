@@ -83,6 +83,15 @@ bool isWithoutFix(const trackPointData& point) {
   return point.T_PointLogSign == u"0" && !point.T_PointLatSign.isEmpty();
 }
 
+/// How many points the run says it has, so that they need not move while they are read; a
+/// stranger's file may say anything.
+qsizetype pointsExpected(sqlite3* connection, qint32 number) {
+  constexpr qint64 most = 200'000;
+  Rows rows(connection, "Select T_RunTrackPoint From T_RunData Where T_Cnumber=" +
+                            QByteArray::number(number) + " Limit 1");
+  return rows.next() ? qBound<qint64>(0, rows.integer(0), most) : 0;
+}
+
 }  // namespace
 
 bool dataControl::answered(const Rows& rows) {
@@ -142,6 +151,7 @@ PointDictionary dataControl::getTrackData(qint32 number) {
                           ofRun(reading, usable(), pointLocator::Table::points, number) +
                           " order by T_SetId Asc");
   PointDictionary points;
+  points.reserve(pointsExpected(usable(), number));
   qint64 found = 0;
   qint64 withFix = 0;
   for (; rows.next(); ++found) {
