@@ -34,7 +34,7 @@ QString keptLines(const DownloadOutcome& outcome) {
       "受信したデータもファイルに残せませんでした。時計のデータを消去しないで下さい。");
 }
 
-/// What is missing of a download; null when nothing is.
+/// What is missing of a download or may be wrong in it; null when nothing is.
 QString losses(const DownloadOutcome& outcome) {
   QString lost;
   if (outcome.runsNotStored > 0) {
@@ -47,11 +47,11 @@ QString losses(const DownloadOutcome& outcome) {
                 "もう一度ダウンロードすると取り込み直せます。")
                 .arg(outcome.shortBlocks);
   }
-  if (lost.isEmpty() && outcome.code == downloadResult::stored && outcome.isMixed()) {
-    lost = storedRuns(outcome.runsStored()) +
-           QStringLiteral(
-               "保存済みのランが時計に残っていたため、トラックポイントが別のランに入っている"
-               "かもしれません。");
+  if (outcome.code == downloadResult::stored && outcome.isMixed()) {
+    lost += (lost.isEmpty() ? storedRuns(outcome.runsStored()) : QString()) +
+            QStringLiteral(
+                "保存済みのランが時計に残っていたため、トラックポイントが別のランに入っている"
+                "かもしれません。");
   }
   return lost.isEmpty() ? QString() : lost + keptLines(outcome);
 }
