@@ -25,7 +25,7 @@ void ManyExport::start(const ManyRuns& runs, const QString& offset,
   showProgress(runs.numbers.size());
   const auto task = [self = QPointer<ManyExport>(this), runs, offset, goesOn = goesOn_] {
     const auto result = std::make_shared<ManyRunsResult>();
-    result->cancelled = true;
+    result->brokenOff = true;
     const auto atAnyEnd = qScopeGuard([&] {
       performOnMainThread([self, result, folder = runs.folder] {
         if (self != nullptr) {
@@ -69,7 +69,7 @@ void ManyExport::end() {
 
 void ManyExport::finish(const ManyRunsResult& result, const QString& folder) {
   end();
-  const bool isDone = result.failed.isEmpty() && !result.cancelled;
+  const bool isDone = result.failed.isEmpty() && !result.cancelled && !result.brokenOff;
   line_->tell(outcomeOf(result, folder, names_), isDone ? Verdict::done : Verdict::failure);
 }
 
@@ -103,6 +103,9 @@ QString outcomeOf(const ManyRunsResult& result, const QString& folder,
   }
   if (result.cancelled) {
     parts.prepend(u"途中で中止しました。"_s);
+  }
+  if (result.brokenOff) {
+    parts.prepend(u"内部エラーのため途中で中断しました。"_s);
   }
   return parts.join(QString());
 }

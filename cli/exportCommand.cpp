@@ -169,7 +169,7 @@ ExitCode writeMany(const Request& request, bool json, Output& output) {
     output.json(QJsonDocument(objectOf(result)));
   }
   output.message(exportWords::ending(result));
-  return result.failed.isEmpty() ? ExitCode::done : ExitCode::failed;
+  return result.failed.isEmpty() && !result.brokenOff ? ExitCode::done : ExitCode::failed;
 }
 
 class ExportCommand : public Command {

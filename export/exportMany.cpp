@@ -1,5 +1,6 @@
 #include "export/exportMany.h"
 
+#include "base/detachThread.h"
 #include "data/bundle.h"
 #include "data/dataControl.h"
 #include "data/newFile.h"
@@ -56,17 +57,14 @@ QString nameInFolder(const QString& startTime, ExportFormat format) {
          formatName(format);
 }
 
-}  // namespace
-
-ManyRunsResult exportMany(const ManyRuns& runs, const QString& offset,
-                          const std::function<bool(qsizetype done)>& goOn) {
+void writeAll(const ManyRuns& runs, const QString& offset,
+              const std::function<bool(qsizetype done)>& goOn, ManyRunsResult& result) {
   // Each run's points are then read where they lie; without, every run reads through all points.
   if (runs.numbers.size() > 1) {
     pointLocator::locate(databasePath(mainBundle()));
   }
   dataControl store;
   Folder folder(runs.folder, runs.replace);
-  ManyRunsResult result;
   qsizetype done = 0;
   for (const qint64 number : runs.numbers) {
     if (!goOn(done++)) {
@@ -95,5 +93,17 @@ ManyRunsResult exportMany(const ManyRuns& runs, const QString& offset,
         result.failed.append({number, ExportFailure::NotWritten});
     }
   }
+}
+
+}  // namespace
+
+ManyRunsResult exportMany(const ManyRuns& runs, const QString& offset,
+                          const std::function<bool(qsizetype done)>& goOn) {
+  ManyRunsResult result;
+  result.brokenOff = true;
+  runGuarded("export", [&] {
+    writeAll(runs, offset, goOn, result);
+    result.brokenOff = false;
+  });
   return result;
 }

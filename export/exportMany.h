@@ -26,11 +26,13 @@ struct ManyRunsResult {
   qsizetype skipped = 0;  ///< A file of that name was there, or another run took the name before.
   QList<Failed> failed;
   bool cancelled = false;  ///< Not all were tried.
+  bool brokenOff = false;  ///< Nor then: an error inside the program ended it.
 };
 
 /// Writes the runs, one after another; no more than one is in memory. Every file is there as a
 /// whole or not at all, and safe on the disk when this returns. The files have the names that a
 /// single export offers; `goOn` is called before each run with the number of those done and answers
-/// false to end it there. Any thread.
+/// false to end it there. An exception ends it as well; it is logged and told like one that ends a
+/// thread, and what was written until then counts. Any thread.
 ManyRunsResult exportMany(const ManyRuns& runs, const QString& offset,
                           const std::function<bool(qsizetype done)>& goOn);

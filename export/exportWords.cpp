@@ -25,7 +25,9 @@ QString reason(ExportFailure failure) {
 }
 
 QString ending(const ManyRunsResult& result) {
-  QString line = result.cancelled ? u"中止しました。"_s : QString();
+  QString line = result.cancelled   ? u"中止しました。"_s
+                 : result.brokenOff ? u"内部エラーのため中断しました。"_s
+                                    : QString();
   line += u"%1件を書き出しました。"_s.arg(result.written);
   if (result.skipped > 0) {
     line += u"%1件は同じ名前のファイルがあるため書き出していません。"_s.arg(result.skipped);

@@ -13,7 +13,7 @@ QString summary(const ManyRunsResult& result) {
   for (const ManyRunsResult::Failed& failed : result.failed) {
     text += QString(", %1 failed by %2").arg(failed.number).arg(static_cast<int>(failed.failure));
   }
-  return text + (result.cancelled ? ", cancelled" : "");
+  return text + (result.cancelled ? ", cancelled" : "") + (result.brokenOff ? ", broken off" : "");
 }
 
 }  // namespace
@@ -51,6 +51,8 @@ class tst_exportMany : public QObject {
         "20140503073005.GPX old");
     row("no folder", {{1}, Gpx, "none"}, "0 written, 0 skipped, 1 failed by 5",
         "20140503073005.GPX old");
+    row("out of memory", {{1, 3, 4, 99}, Gpx, "to", true}, "2 written, 0 skipped, broken off",
+        "20140501073005.GPX, 20140503073005.GPX");
     row("cancelled", {{1, 3, 4, 99}, Gpx, "to", true}, "2 written, 0 skipped, cancelled",
         "20140501073005.GPX, 20140503073005.GPX");
   }
@@ -58,10 +60,14 @@ class tst_exportMany : public QObject {
   void runs() {
     QFETCH(ManyRuns, runs);
     runs.folder = store_->in(runs.folder);
-    const bool cancel = qstrcmp(QTest::currentDataTag(), "cancelled") == 0;
-    const ManyRunsResult result =
-        exportMany(runs, offset, [&](qsizetype done) { return !cancel || done < 2; });
-    QTEST(summary(result), "outcome");
+    QFETCH(const QString, outcome);
+    const ManyRunsResult result = exportMany(runs, offset, [&](qsizetype done) {
+      if (done == 2 && outcome.endsWith("broken off")) {
+        throw std::bad_alloc();
+      }
+      return done < 2 || !outcome.endsWith("cancelled");
+    });
+    QCOMPARE(summary(result), outcome);
     QStringList files;
     const QDir folder(store_->in("to"));
     for (const QString& file : folder.entryList(QDir::Files | QDir::Hidden)) {
