@@ -100,7 +100,7 @@ int main(int argc, char* argv[]) {
     return EXIT_SUCCESS;
   }
   registerMapScheme();
-  shareOneProcess();
+  setUpWebEngine();
   shareHeaps();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Trakko"));

@@ -280,7 +280,7 @@ int main(int argc, char* argv[]) {
     qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");  // the engine refuses to sandbox root's pages
   }
   registerMapScheme();
-  shareOneProcess();
+  setUpWebEngine();
   shareHeaps();
   const QApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments();

@@ -71,13 +71,9 @@ QWebEngineScript watcher(const QString& readyWord, const QString& html) {
   return script;
 }
 
-/// Takes away from the page's own scripts what would connect past the rules for its requests.
 QWebEngineScript connectionGuard() {
   QWebEngineScript script;
-  script.setSourceCode(
-      u"for (const name of Object.getOwnPropertyNames(window)) {"
-      u"  if (/^(webkit)?RTC|^WebTransport/.test(name)) { delete window[name]; }"
-      u"}"_s);
+  script.setSourceCode(QString::fromUtf8(resource(u":/web/connectionGuard.js"_s)));
   script.setInjectionPoint(QWebEngineScript::DocumentCreation);
   script.setWorldId(QWebEngineScript::MainWorld);
   script.setRunsOnSubFrames(true);

@@ -33,9 +33,11 @@ QString userAgent(const QString& engine) {
 
 }  // namespace
 
-void shareOneProcess() {
+void setUpWebEngine() {
   const char* const flags = "QTWEBENGINE_CHROMIUM_FLAGS";
-  qputenv(flags, qgetenv(flags) + " --renderer-process-limit=1");
+  qputenv(flags, qgetenv(flags) +
+                     " --renderer-process-limit=1"
+                     " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
 }
 
 std::shared_ptr<QWebEngineProfile> makeWebEngine(const QString& cacheFolder) {

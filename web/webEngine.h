@@ -5,9 +5,10 @@
 
 #include <memory>
 
-/// Lets all pages live in one process: a second one costs memory. Main thread, before the
-/// application object exists.
-void shareOneProcess();
+/// Settles for the whole process how the engine runs: all pages live in one process, since a second
+/// one costs memory, and WebRTC, which asks no rules for requests, sends no datagrams. Main thread,
+/// before the application object exists.
+void setUpWebEngine();
 
 /// What the pages of the program have in common in the web engine: their cache, who they say they
 /// are, and that nothing they offer is saved as a file. Nothing is kept on disk when `cacheFolder`

@@ -3,6 +3,7 @@
 #include "base/messenger.h"
 #include "map/mapPages.h"
 #include "map/trackOverlay.h"
+#include "web/webEngine.h"
 #include "web/webMapView.h"
 
 #include <QApplication>
@@ -58,6 +59,7 @@ class MapTest : public QObject {
     }
     QStandardPaths::setTestModeEnabled(true);
     registerMapScheme();
+    setUpWebEngine();
   }
 
  protected:
