@@ -3,6 +3,7 @@
 #include "export/fileWriter.h"
 #include "export/gpxWriter.h"
 #include "export/tcxWriter.h"
+#include "tests/columns.h"
 #include "tests/export/exportRecords.h"
 
 #include <QtTest>
@@ -64,7 +65,17 @@ class tst_exportFiles : public QObject {
     }
   }
 
-  void failedWriting() {
+  // A few bytes too many are the case that a buffer would hide until the file is closed.
+  static void failedWriting_data() {
+    const auto row = columns<QString, int>("name", "size");
+    row("a little too long", "走行 1.GPX", 5000);
+    row("far too long", "走行 1.GPX", 300000);
+    row("missing folder", "missing/run.GPX", 10);
+    row("folder in the place", "folder", 10);
+  }
+  static void failedWriting() {
+    QFETCH(const QString, name);
+    QFETCH(const int, size);
     const QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkdir("folder"));
     const QString old = folder.filePath("走行 1.GPX");
@@ -72,20 +83,13 @@ class tst_exportFiles : public QObject {
       QVERIFY(writeFileAtomically(old, bytes));
       QCOMPARE(bytesOf(old), bytes);
     }
-    // A few bytes too many are the case that a buffer would hide until the file is closed.
-    const QList<std::pair<QString, int>> rows{{old, 5000},
-                                              {old, 300000},
-                                              {folder.filePath("missing/run.GPX"), 10},
-                                              {folder.filePath("folder"), 10}};
-    for (const auto& [path, size] : rows) {
-      {
-        const FullDisk full(4096);
-        QVERIFY(!writeFileAtomically(path, QByteArray(size, 'x')));
-      }
-      QCOMPARE(bytesOf(old), QByteArray("old"));
-      const auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
-      QCOMPARE(QDir(folder.path()).entryList(everything), QStringList({"folder", "走行 1.GPX"}));
+    {
+      const FullDisk full(4096);
+      QVERIFY(!writeFileAtomically(folder.filePath(name), QByteArray(size, 'x')));
     }
+    QCOMPARE(bytesOf(old), QByteArray("old"));
+    const auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+    QCOMPARE(QDir(folder.path()).entryList(everything), QStringList({"folder", "走行 1.GPX"}));
   }
 };
 
