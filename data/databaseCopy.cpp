@@ -24,7 +24,7 @@ Result unreadable(const QString& detail) {
 }
 
 Result unwritable(int error) {
-  return {error == EEXIST ? Failure::exists : Failure::unwritable, qt_error_string(error)};
+  return {error == EEXIST ? Failure::leftovers : Failure::unwritable, qt_error_string(error)};
 }
 
 bool isThere(const QString& path) {

@@ -25,6 +25,10 @@ bool isSound(sqlite3* connection) {
          sound;
 }
 
+Result exists() {
+  return {Failure::exists, qt_error_string(EEXIST)};
+}
+
 QString beside(const QString& database, const QString& ending) {
   const QFileInfo info(database);
   return info.path() + u'/' + info.completeBaseName() + ending + u'.' + info.suffix();
@@ -34,7 +38,7 @@ QString beside(const QString& database, const QString& ending) {
 
 Result backUp(const QString& database, const QString& target, const Watcher& watcher) {
   if (isThere(target)) {
-    return unwritable(EEXIST);
+    return exists();
   }
   if (!isPlainFile(database)) {
     return unreadable(qt_error_string(ENOENT));
@@ -52,8 +56,11 @@ Result backUp(const QString& database, const QString& target, const Watcher& wat
     }
   }
   // The database is free again; a slow disk keeps nobody waiting.
-  if (!copy.sync() || !copy.placeIfFree()) {
+  if (!copy.sync()) {
     return unwritable(copy.error());
+  }
+  if (!copy.placeIfFree()) {
+    return copy.error() == EEXIST ? exists() : unwritable(copy.error());
   }
   syncFolderOf(target);
   return {};
@@ -79,6 +86,10 @@ QString beforeRestore(const QString& database) {
 
 QString beforeEarlierRestore(const QString& database) {
   return beside(database, u"-before-restore-2"_s);
+}
+
+QString damagedBeforeRestore(const QString& database) {
+  return beside(database, u"-before-restore-damaged"_s);
 }
 
 }  // namespace databaseFile

@@ -19,6 +19,7 @@ enum class Failure {
   busy,        ///< The database is being stored into, here or by another program.
   chosenBusy,  ///< Another program works on the file to be restored.
   unwritable,  ///< The copy cannot be written: no room, no permission.
+  leftovers,   ///< Nor then: all names for an unfinished copy are taken.
 };
 
 struct Result {
@@ -47,8 +48,9 @@ schemaCheck::Finding inspect(const QString& chosen);
 /// The old database is kept as beforeRestore(database), with its journal, and the one that was
 /// there before as beforeEarlierRestore(database); the place is never empty. On failure the old one
 /// stays where it is. Restoring the database from itself changes nothing. A file in the place that
-/// is no database is not kept when an earlier restore has kept one. `chosen` may be one of those
-/// kept: then the two change names.
+/// is no database takes no other's name: when an earlier restore has kept one, it is kept as
+/// damagedBeforeRestore(database). `chosen` may be one of the first two: then it and the database
+/// change names.
 Result restore(const QString& database, const QString& chosen, const Watcher& watcher = {});
 
 /// Where the last restore has put the database that was there: "gpsData-before-restore.db3" beside
@@ -56,5 +58,8 @@ Result restore(const QString& database, const QString& chosen, const Watcher& wa
 QString beforeRestore(const QString& database);
 /// Where what the restore before has put aside is: "gpsData-before-restore-2.db3".
 QString beforeEarlierRestore(const QString& database);
+/// Where the last file that was no database is, if there was a database to keep beside it:
+/// "gpsData-before-restore-damaged.db3".
+QString damagedBeforeRestore(const QString& database);
 
 }  // namespace databaseFile

@@ -105,16 +105,22 @@ Result makeRoomAside(const QString& database, const Watcher& watcher) {
   return moveCompanions(newer, older, watcher);
 }
 
-/// Puts the new file in the place of the database, which becomes beforeRestore(database) first.
+/// What SQLite takes for no database must not push out one that an earlier restore has kept.
+bool needsOwnPlace(const QString& database, const HeldDatabase& held) {
+  return held.result() == SQLITE_NOTADB && isThere(beforeRestore(database));
+}
+
+/// Puts the new file in the place of the database, which is put aside first.
 Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile& copy,
                       const Watcher& watcher) {
-  const QString aside = beforeRestore(database);
+  const bool ownPlace = needsOwnPlace(database, held);
+  const QString aside = ownPlace ? damagedBeforeRestore(database) : beforeRestore(database);
   watcher(copied);
   NewFile second(aside);
   if (Result named = nameAgain(database, aside, held, second); !named) {
     return named;
   }
-  if (Result free = makeRoomAside(database, watcher); !free) {
+  if (Result free = ownPlace ? Result{} : makeRoomAside(database, watcher); !free) {
     return free;
   }
   watcher(copied);
@@ -161,8 +167,8 @@ Result exchange(const QString& database, const QString& kept, const HeldDatabase
   return second.replace() ? keptAs(kept) : unwritable(second.error());
 }
 
-/// What is in the place is worth nothing, unlike what an earlier restore has put aside.
-Result replaceDropping(const QString& database, NewFile& copy, const Watcher& watcher) {
+/// Nothing is in the place but perhaps a journal, which belongs to no database any more.
+Result fillPlace(const QString& database, NewFile& copy, const Watcher& watcher) {
   watcher(copied);
   removeCompanions(database);
   watcher(copied);
@@ -179,7 +185,7 @@ Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watc
              QFile::encodeName(beforeRestore(database)).constData()) != 0) {
     return unwritable(errno);
   }
-  Result replaced = replaceDropping(database, copy, watcher);
+  Result replaced = fillPlace(database, copy, watcher);
   return replaced ? keptAs(beforeRestore(database)) : replaced;
 }
 
@@ -187,7 +193,7 @@ Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watc
 Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
                  const Watcher& watcher) {
   if (!isThere(database)) {
-    return replaceDropping(database, copy, watcher);
+    return fillPlace(database, copy, watcher);
   }
   if (!isPlainFile(database)) {
     return replaceOddity(database, copy, watcher);
@@ -198,8 +204,8 @@ Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
   if (held.result() == SQLITE_BUSY) {
     return {Failure::busy, held.message()};
   }
-  if (held.result() == SQLITE_NOTADB && isThere(beforeRestore(database))) {
-    return replaceDropping(database, copy, watcher);
+  if (needsOwnPlace(database, held)) {
+    return replaceKeeping(database, held, copy, watcher);
   }
   for (const QString& kept : {beforeRestore(database), beforeEarlierRestore(database)}) {
     if (isSameFile(kept, chosen)) {

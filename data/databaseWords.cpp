@@ -21,6 +21,9 @@ QString reason(Failure failure) {
       return QStringLiteral("選択したファイルは他のプログラムが使用中です。");
     case Failure::unwritable:
       return QStringLiteral("ファイルを書き込めません。空き容量とアクセス権を確認して下さい。");
+    case Failure::leftovers:
+      return QStringLiteral(
+          "ファイルを書き込めません。書きかけのファイル (名前の終わりが .part) を削除して下さい。");
   }
   return {};
 }
@@ -28,6 +31,11 @@ QString reason(Failure failure) {
 QString doubtAbout(const QString& chosen, Finding finding) {
   if (finding == Finding::noDatabase) {
     return QStringLiteral("「%1」はデータベースではないか、壊れています。").arg(chosen);
+  }
+  if (finding == Finding::unreadable && QFileInfo(chosen).isFile()) {
+    return QStringLiteral(
+               "「%1」の中身を確認できませんでした。完全なデータベースではないかもしれません。")
+        .arg(chosen);
   }
   if (finding != Finding::tablesMissing) {
     return {};

@@ -1,5 +1,6 @@
 #include "data/databaseFile.h"
 #include "data/databaseUse.h"
+#include "data/databaseWords.h"
 #include "storeFolder.h"
 #include "tests/columns.h"
 
@@ -233,8 +234,10 @@ class tst_databaseFile : public QObject {
     QCOMPARE(runsIn(aside_) + runsIn(earlier_), oldRun + newRun);
     QVERIFY(databaseFile::restore(database_, in("text.db3")));
     QCOMPARE(runsIn(aside_) + runsIn(earlier_), oldRun + newRun);  // those are databases
+    writeBytes(database_, "a wreck");
     QVERIFY(databaseFile::restore(database_, earlier_));
     QCOMPARE(runsIn(database_) + runsIn(aside_), newRun + oldRun);
+    QCOMPARE(bytesOf(in("gpsData-before-restore-damaged.db3")), "a wreck");
     QVERIFY(leftovers().isEmpty());
   }
 
@@ -279,7 +282,10 @@ class tst_databaseFile : public QObject {
 
     init();
     damage(backup_);
-    QTEST(databaseFile::inspect(backup_), "finding");
+    const Finding finding = databaseFile::inspect(backup_);
+    QTEST(finding, "finding");
+    QCOMPARE(databaseWords::doubtAbout(backup_, finding).isNull(),
+             finding == Finding::complete || !QFileInfo(backup_).isFile());
     const QString content = runsIn(backup_);
     QCOMPARE(databaseFile::restore(database_, backup_).failure, failure);
     QCOMPARE(runsIn(database_), failure == Failure::none ? content : oldRun);
@@ -364,6 +370,10 @@ class tst_databaseFile : public QObject {
     }
     QCOMPARE(runsIn(database_), oldRun);
     QVERIFY(!QFile::exists(in("copy.db3")) && leftovers().isEmpty());
+    for (int i = 0; i < 100; ++i) {
+      QVERIFY(QDir().mkdir(database_ + ".part" + (i == 0 ? QString() : QString::number(i))));
+    }
+    QCOMPARE(databaseFile::restore(database_, backup_).failure, Failure::leftovers);
   }
 };
 
