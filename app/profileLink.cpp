@@ -60,8 +60,7 @@ void ProfileLink::readRun() {
 
 void ProfileLink::takeRun(const std::shared_ptr<const RunProfile>& run) {
   run_ = run;
-  showOnMap(-1);
-  pane_->showRun(run);
+  pane_->showRun(run);  // tells where the cursor is now
 }
 
 void ProfileLink::pointFromProfile(int row) {

@@ -22,6 +22,8 @@ struct ProfilePoint {
   std::optional<double> heartRate;  ///< Beats per minute, above 0.
   std::optional<double> altitude;   ///< Metres.
   bool isAfterPause = false;        ///< The runner paused before this point.
+
+  bool operator==(const ProfilePoint&) const = default;
 };
 
 /// One lap: the points from `first` up to, but not including, `end`.

@@ -77,12 +77,18 @@ void ProfileView::call(const QString& function, const QJsonValue& argument) {
 }
 
 void ProfileView::showRun(std::shared_ptr<const RunProfile> run) {
+  const bool isShown = run->points == run_->points;
   run_ = std::move(run);
-  cursor_ = lastCursor_ = -1;
   stretch_ = {};
-  sendCursor();
   sendStretch();
-  zoomOut();
+  if (isShown) {
+    showWindow(window_.first, window_.second);
+  } else {
+    cursor_ = lastCursor_ = -1;
+    sendCursor();
+    zoomOut();
+  }
+  Q_EMIT pointed(cursor_);
 }
 
 void ProfileView::showCurves(Curves curves) {

@@ -38,7 +38,8 @@ class ProfileView : public WebPageHost {
   /// As the palette in use asks for: light or dark.
   Colours colours() const;
 
-  /// Shows the whole of a run, without a cursor; one without points leaves the page empty.
+  /// Shows the whole of a run, without a cursor; one without points leaves the page empty. Of a run
+  /// with the points that are shown already, the stretch in view and the cursor stay.
   void showRun(std::shared_ptr<const RunProfile> run);
   void showCurves(Curves curves);
   /// Keeps the stretch that is shown, and the cursor.
@@ -51,7 +52,8 @@ class ProfileView : public WebPageHost {
   void markStretch(int first, int end);
 
  Q_SIGNALS:
-  /// The user put the cursor on a point; -1 when it was taken away.
+  /// The user put the cursor on a point, or it stayed there in a run that is shown anew; -1 when it
+  /// was taken away.
   void pointed(int row);
   /// Whether only a part of the run is shown.
   void zoomed(bool isPart);

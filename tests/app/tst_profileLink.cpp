@@ -45,7 +45,10 @@ class tst_profileLink : public QObject {
       QTestEventLoop::instance().enterLoopMSecs(10);
     }
   }
-  void init() { link_->mapReset(); }
+  void init() {
+    showRun(-1);
+    link_->mapReset();
+  }
   void cleanupTestCase() {
     link_.reset();
     WindowFixture::settle();
@@ -107,8 +110,9 @@ class tst_profileLink : public QObject {
     value("key('ArrowRight');");
     QTRY_COMPARE(fixture_->map.calls.size(), 1);
     link_->mapReset();
-    showRun(60);
+    showRun(-1);
     QCOMPARE(fixture_->map.calls.size(), 0);
+    showRun(60);
     value("key('ArrowRight'); act('pointerleave', 0);");
     QTRY_COMPARE(fixture_->map.calls.size(), 2);
   }
@@ -155,6 +159,11 @@ class tst_profileLink : public QObject {
     QVERIFY2(value(labels) != unzoomed && !value(labels).contains("0.0"), qPrintable(unzoomed));
     fixture_->controller->pointView->selectRow(59);  // comes into sight
     QVERIFY(!value("element('values').textContent").isEmpty());
+    showRun(60);  // a refresh
+    QVERIFY(whole->isEnabled());
+    QCOMPARE(chosenPoint(), 59);
+    QVERIFY(value("element('values').textContent").startsWith("0.590 km"));
+    QCOMPARE(fixture_->map.calls, QStringList("marker_add_remover(35.000001,139.059000);"));
     value("act('dblclick', 300);");
     QTRY_VERIFY(!whole->isEnabled());
     value("act('pointerdown', 300); act('pointermove', 302); act('pointerup', 302);");
