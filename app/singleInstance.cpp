@@ -6,6 +6,7 @@
 #include <QLoggingCategory>
 #include <QThread>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 Q_LOGGING_CATEGORY(lcInstance, "trakko.instance", QtInfoMsg)
@@ -21,25 +22,44 @@ QString serverNameFor(const QString& folder) {
       .arg(QString::fromLatin1(hash.toHex().left(16)));
 }
 
+// Names without a file have no permissions: anybody may connect, and anybody may listen.
+bool isOfThisUser(const QLocalSocket& socket) {
+  ucred other{};
+  socklen_t size = sizeof other;
+  return getsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &other,
+                    &size) == 0 &&
+         other.uid == getuid();
+}
+
 }  // namespace
 
 SingleInstance::SingleInstance(const QString& folder)
     : lock_(folder), serverName_(serverNameFor(folder)) {
-  server_.setSocketOptions(QLocalServer::UserAccessOption);
+  // The system takes the name back however the process ends; a file would stay.
+  server_.setSocketOptions(QLocalServer::AbstractNamespaceOption);
   connect(&server_, &QLocalServer::newConnection, this, &SingleInstance::answer);
 }
 
 SingleInstance::Claim SingleInstance::claim() {
-  const DatabaseLock::State state = lock_.take();
-  if (state == DatabaseLock::State::taken) {
-    return askOther() ? Claim::passedOn : Claim::unanswered;
+  // The other process may have the lock and not listen yet, or be about to end.
+  constexpr int tries = 20;
+  constexpr int waitMs = 100;
+  for (int i = 0; i < tries; ++i) {
+    const DatabaseLock::State state = lock_.take();
+    if (state != DatabaseLock::State::taken) {
+      listen();
+      return state == DatabaseLock::State::held ? Claim::granted : Claim::unprotected;
+    }
+    const Answer answer = askOther();
+    if (answer != Answer::nobody) {
+      return answer == Answer::given ? Claim::passedOn : Claim::unanswered;
+    }
+    QThread::msleep(waitMs);
   }
-  listen();
-  return state == DatabaseLock::State::held ? Claim::granted : Claim::unprotected;
+  return Claim::unanswered;
 }
 
 void SingleInstance::listen() {
-  QLocalServer::removeServer(serverName_);  // left over by a process that was killed
   if (!server_.listen(serverName_)) {
     qCWarning(lcInstance).noquote() << "cannot listen for further starts:" << server_.errorString();
   }
@@ -50,23 +70,28 @@ void SingleInstance::listen() {
 void SingleInstance::answer() {
   QLocalSocket* socket = server_.nextPendingConnection();
   connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-  socket->write("\n");
+  const bool isOwn = isOfThisUser(*socket);
+  if (isOwn) {
+    socket->write("\n");
+  }
   socket->disconnectFromServer();
-  Q_EMIT raiseRequested();
+  if (isOwn) {
+    Q_EMIT raiseRequested();
+  }
 }
 
-bool SingleInstance::askOther() const {
-  // The other process may have the lock and not listen yet.
-  constexpr int tries = 20;
+SingleInstance::Answer SingleInstance::askOther() const {
   constexpr int waitMs = 100;
   constexpr int answerMs = 5000;
-  for (int i = 0; i < tries; ++i) {
-    QLocalSocket socket;
-    socket.connectToServer(serverName_);
-    if (socket.waitForConnected(waitMs)) {
-      return socket.waitForReadyRead(answerMs);
-    }
-    QThread::msleep(waitMs);
+  QLocalSocket socket;
+  socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
+  socket.connectToServer(serverName_);
+  if (!socket.waitForConnected(waitMs) || !isOfThisUser(socket)) {
+    return Answer::nobody;
   }
-  return false;
+  if (socket.waitForReadyRead(answerMs)) {
+    return Answer::given;
+  }
+  // It ended while it was asked, or it hangs.
+  return socket.state() == QLocalSocket::UnconnectedState ? Answer::nobody : Answer::none;
 }

@@ -30,9 +30,11 @@ class SingleInstance : public QObject {
   void raiseRequested();
 
  private:
+  enum class Answer { given, none, nobody };
+
   void listen();
   void answer();
-  bool askOther() const;
+  Answer askOther() const;
 
   DatabaseLock lock_;
   QString serverName_;

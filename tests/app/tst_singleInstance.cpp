@@ -15,7 +15,16 @@ using State = DatabaseLock::State;
 class tst_singleInstance : public QObject {
   Q_OBJECT
 
+  const QTemporaryDir places_;
+
  private Q_SLOTS:
+  void initTestCase() { qputenv("TMPDIR", QFile::encodeName(places_.path())); }
+  // A socket would stay behind when the process is killed.
+  void cleanupTestCase() {
+    const auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
+    QCOMPARE(QDir(places_.path()).entryList(all), QStringList());
+  }
+
   static void furtherStartsRaiseTheFirst() {
     const QTemporaryDir folder;
     const QString name = folder.path() + "/";
@@ -52,6 +61,18 @@ class tst_singleInstance : public QObject {
     QCOMPARE(SingleInstance("/nowhere/at/all/").claim(), Claim::unprotected);
   }
 
+  static void endingFirst() {
+    const QTemporaryDir folder;
+    auto held = std::make_unique<DatabaseLock>(folder.path() + "/");
+    QCOMPARE(held->take(), State::held);
+    std::thread end([&] {
+      QThread::msleep(300);
+      held.reset();
+    });
+    QCOMPARE(SingleInstance(folder.path() + "/").claim(), Claim::granted);
+    end.join();
+  }
+
   // Whatever lies where a lock file could.
   static void locks_data() {
     const auto row = columns<bool, uid_t>("isFolder", "user");
@@ -59,11 +80,13 @@ class tst_singleInstance : public QObject {
     row("folder", true, 0);
     row("another user", false, 65534);
   }
-  static void locks() {
+  void locks() {
     QFETCH(const bool, isFolder);
     QFETCH(const uid_t, user);
     const QTemporaryDir folder;
-    chmod(QFile::encodeName(folder.path()).constData(), 0755);
+    for (const QTemporaryDir* opened : {&places_, &folder}) {
+      chmod(QFile::encodeName(opened->path()).constData(), 0755);
+    }
     QVERIFY(!isFolder || QDir(folder.path()).mkdir("gpsData.lock"));
     DatabaseLock first(folder.path() + "/");
     QCOMPARE(first.take(), State::held);
