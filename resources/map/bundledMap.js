@@ -169,7 +169,10 @@ function startBundledMap(tileAddress, styleSheet) {
     moveTo(place) {
       const leaflet = this.leaflet;
       place();
-      leaflet.off('resize', leaflet.placeAgain);
+      // Given no listener to take away, Leaflet takes away everyone's.
+      if (leaflet.placeAgain) {
+        leaflet.off('resize', leaflet.placeAgain);
+      }
       if (leaflet.getSize().x === 0) {
         leaflet.placeAgain = () => this.moveTo(place);
         leaflet.on('resize', leaflet.placeAgain);

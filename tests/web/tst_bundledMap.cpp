@@ -90,9 +90,11 @@ class tst_bundledMap : public MapTest {
         "document.getElementById('map').style.width = '%1'; dispatchEvent(new Event('resize'))";
     value(setWidth.arg("0px"));
     QVERIFY(becomes("map.leaflet.getSize().x === 0"));
+    value("map.leaflet.on('resize', () => document.title = 'others are told, too') && 0");
     draw(straightRun(100));
     value(setWidth.arg(""));
     QVERIFY(becomes("map.leaflet.getSize().x > 600 && map.leaflet.getZoom() === 15"));
+    QVERIFY(titles->contains(QVariantList{"others are told, too"}));
   }
 
   void missingImagesLeaveDots() {
