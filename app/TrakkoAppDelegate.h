@@ -69,7 +69,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
 
   std::vector<tViewData> runViewData;
   std::vector<lViewData> lapViewData;
-  std::vector<pViewData> pointViewData;
+  PointRows pointViewData;
   QStringList runKArr;  ///< Run keys in the order of the runs table.
   RunDictionary runDic;
   LapDictionary lapDic;
@@ -186,7 +186,7 @@ class TrakkoAppDelegate : public QObject, public TableDataSource {
   void waitForFirstLoad(int counter);
   void loadTables(const QString& start, const QString& end, int load);
   void takeRuns(const RunDictionary& runs, const QStringList& keys, std::vector<tViewData> rows);
-  void takePointRows(std::vector<pViewData> rows);
+  void takePointRows(PointRows rows);
   void clearTables();
   void loadFailed(int load, bool ofNewData);
   void tellUnreadable(bool ofNewData);

@@ -76,8 +76,8 @@ std::vector<tViewData> runRows(const RunDictionary& runs, const QStringList& key
   return rows;
 }
 
-template <typename Row>
-QString cellAt(const std::vector<Row>& rows, const QString& column, int row) {
+template <typename Rows>
+QString cellAt(const Rows& rows, const QString& column, int row) {
   const auto index = static_cast<std::size_t>(row);
   return row >= 0 && index < rows.size() ? cell(rows[index], column) : QString();
 }
@@ -188,7 +188,7 @@ void TrakkoAppDelegate::setPointView() {
     return;
   }
   detachThread("points", [this, points = pointDic, number = currentNumber, chosen = selection_] {
-    performOnMainThread([this, chosen, rows = pointRows(points, number)]() mutable {
+    performOnMainThread([this, chosen, rows = PointRows(points, number)]() mutable {
       if (chosen == selection_) {
         takePointRows(std::move(rows));
       }
@@ -197,7 +197,7 @@ void TrakkoAppDelegate::setPointView() {
   });
 }
 
-void TrakkoAppDelegate::takePointRows(std::vector<pViewData> rows) {
+void TrakkoAppDelegate::takePointRows(PointRows rows) {
   pointViewData = std::move(rows);
   reload(pointView);
   checkFinishGetData = true;

@@ -55,7 +55,7 @@ std::optional<LoadedTrack> readUnless(const IsStale& isStale, const TrackRequest
   if (isStale()) {
     return {};
   }
-  track.pointRows = pointRows(track.points, wanted.number);
+  track.pointRows = PointRows(track.points, wanted.number);
   return track;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/tableRows.h"
+#include "app/pointRows.h"
 #include "data/records.h"
 #include "map/trackOverlay.h"
 
@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <memory>
-#include <vector>
 
 /// Which run is to be read, and for which map page.
 struct TrackRequest {
@@ -27,7 +26,7 @@ struct LoadedTrack {
   LapDictionary laps;
   PointDictionary points;
   TrackOverlay overlay;
-  std::vector<pViewData> pointRows;
+  PointRows pointRows;
   bool failed = false;  ///< Something could not be read; what is empty may not be so in the store.
 };
 

@@ -33,18 +33,6 @@ lViewData lapRow(const lapData& lap, const QString& calories) {
           calories};
 }
 
-pViewData pointRow(const trackPointData& point) {
-  const double speed = units::pointKmh(point.T_PointSpeed);
-  return {QString::number(point.T_Setid),
-          point.T_PointTime,
-          kilometres(point.T_PointDistance),
-          text::fixed(speed, 1),
-          units::paceText(speed),
-          QString::number(units::pointHeartRate(point.T_PointHR)),
-          point.T_PointCal,
-          point.T_PointAlti};
-}
-
 }  // namespace
 
 tViewData runRow(const runData& run) {
@@ -64,14 +52,14 @@ std::vector<lViewData> lapRows(const runData& run, const LapDictionary& laps, qi
   return rows;
 }
 
-std::vector<pViewData> pointRows(const PointDictionary& points, qint64 number) {
-  std::vector<pViewData> rows;
-  rows.reserve(static_cast<std::size_t>(points.size()));
-  // The point keys carry the number as a 32-bit one, unlike the lap keys.
-  for (const trackPointData* point : inOrder(points, static_cast<qint32>(number))) {
-    if (point != nullptr) {
-      rows.push_back(pointRow(*point));
-    }
-  }
-  return rows;
+pViewData pointRow(const trackPointData& point) {
+  const double speed = units::pointKmh(point.T_PointSpeed);
+  return {QString::number(point.T_Setid),
+          point.T_PointTime,
+          kilometres(point.T_PointDistance),
+          text::fixed(speed, 1),
+          units::paceText(speed),
+          QString::number(units::pointHeartRate(point.T_PointHR)),
+          point.T_PointCal,
+          point.T_PointAlti};
 }

@@ -34,5 +34,4 @@ tViewData runRow(const runData& run);
 /// the number of entries; a missing one leaves no gap. Every row repeats the run's calories.
 std::vector<lViewData> lapRows(const runData& run, const LapDictionary& laps, qint64 number);
 
-/// A row per track point, looked up as "<number>-<n>" for n up to the number of entries.
-std::vector<pViewData> pointRows(const PointDictionary& points, qint64 number);
+pViewData pointRow(const trackPointData& point);

@@ -85,7 +85,11 @@ void fillPointsTable(benchmark::State& state) {
 }
 
 void copyTexts(benchmark::State& state) {
-  const auto rows = pointRows(makePoints(static_cast<int>(state.range(0))), number);
+  const PointRows made(makePoints(static_cast<int>(state.range(0))), number);
+  std::vector<pViewData> rows;
+  for (std::size_t row = 0; row < made.size(); ++row) {
+    rows.push_back(made[row]);
+  }
   while (state.KeepRunning()) {
     std::vector<pViewData> copy;
     copy.reserve(rows.size());

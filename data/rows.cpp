@@ -10,6 +10,17 @@
 
 namespace {
 
+constexpr qint64 manyRows = 100;
+constexpr std::size_t manyPlaces = 256;  // of a column's texts, once there are many rows
+
+std::size_t placeOf(std::string_view characters, std::size_t places) {
+  std::size_t place = 0;
+  for (const char c : characters) {
+    place = place * 31 + static_cast<unsigned char>(c);
+  }
+  return place % places;
+}
+
 /// Nearly every text is ASCII, which needs no decoding.
 QString decoded(QByteArrayView utf8) {
   const bool ascii = std::none_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) != 0; });
@@ -22,7 +33,7 @@ Rows::Rows(sqlite3* connection, const QByteArray& sql)
     : connection_(connection),
       statement_(prepare(connection, sql.constData())),
       failed_(statement_ == nullptr),
-      last_(static_cast<std::size_t>(sqlite3_column_count(statement_.get()))) {
+      known_(static_cast<std::size_t>(sqlite3_column_count(statement_.get()))) {
   if (failed_ && connection != nullptr) {
     qCWarning(dataLog, "%s: %s", sql.constData(), sqlite3_errmsg(connection));
   }
@@ -37,11 +48,12 @@ bool Rows::next() {
     failed_ = true;
     qCWarning(dataLog, "%s: %s", sqlite3_sql(statement_.get()), sqlite3_errmsg(connection_));
   }
+  ++read_;
   return result == SQLITE_ROW;
 }
 
 QByteArrayView Rows::characters(int column) {
-  if (column >= static_cast<int>(last_.size())) {
+  if (column >= static_cast<int>(known_.size())) {
     return {};
   }
   const unsigned char* value = sqlite3_column_text(statement_.get(), column);
@@ -53,13 +65,15 @@ QString Rows::text(int column) {
   if (value.isNull()) {
     return {};
   }
-  Last& last = last_[static_cast<std::size_t>(column)];
+  KnownTexts& texts = known_[static_cast<std::size_t>(column)];
+  texts.resize(read_ < manyRows ? 1 : manyPlaces);
   const std::string_view view(value.data(), static_cast<std::size_t>(value.size()));
-  if (last.text.isNull() || last.characters != view) {
-    last.characters = view;
-    last.text = decoded(value);
+  Known& known = texts[placeOf(view, texts.size())];
+  if (known.text.isNull() || known.characters != view) {
+    known.characters = view;
+    known.text = decoded(value);
   }
-  return last.text;
+  return known.text;
 }
 
 qint64 Rows::integer(int column) {

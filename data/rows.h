@@ -36,15 +36,18 @@ class Rows {
   /// As SQLite prints it, in UTF-8; null when absent.
   QByteArrayView characters(int column);
 
-  // Neighbouring rows have much in common: hemispheres, zones, a speed that did not change. Such a
-  // text is kept once for all of them, which saves time and more than a third of the memory.
-  struct Last {
+  // Rows have much in common: hemispheres, zones, the speeds and heart rates that come again and
+  // again. Such a text is kept once for all of them, which saves time and half of the memory.
+  struct Known {
     std::string characters;
     QString text;
   };
+  /// Of one column, each in a place that follows from its characters.
+  using KnownTexts = std::vector<Known>;
 
   sqlite3* connection_;
   PreparedStatement statement_;
   bool failed_ = false;
-  std::vector<Last> last_;  ///< The last text of each column.
+  qint64 read_ = 0;                ///< Rows.
+  std::vector<KnownTexts> known_;  ///< Of each column.
 };

@@ -207,7 +207,7 @@ class tst_profileLink : public QObject {
       lap.T_LapNo = i;
       lap.T_LapDistance = "25500";
     }
-    controller.pointViewData = pointRows(controller.pointDic, 7);
+    controller.pointViewData = PointRows(controller.pointDic, 7);
     controller.lapViewData = lapRows({}, controller.lapDic, 7);
     fixture_->map.calls.clear();
     const QSignalSpy shown(pane_->view, &ProfileView::zoomed);
