@@ -101,7 +101,9 @@ void TrakkoAppDelegate::setViewData(const QString& start, const QString& endTime
 void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int load) {
   const bool ofNewData = getNewData == 1;
   dataControl store;
-  const RunDictionary runs = store.getRunData(start.isEmpty() ? QStringLiteral("All") : start, end);
+  const bool wantsAll = start.isEmpty() || start.compare(u"all", Qt::CaseInsensitive) == 0;
+  dataControl::KnownRuns all;
+  const RunDictionary runs = wantsAll ? store.allRuns(all) : store.getRunData(start, end);
   if (runs.isEmpty()) {
     performOnMainThread([this, load] {
       if (load == newestLoad_) {
@@ -117,8 +119,9 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
   const QStringList keys = store.runKeyArray;
   // The runs are on screen before the points of the first one are read.
   auto chosen = std::make_shared<Selection>();
-  performOnMainThread([this, load, runs, keys, chosen, rows = runRows(runs, keys)]() mutable {
+  performOnMainThread([this, load, runs, keys, chosen, all, rows = runRows(runs, keys)]() mutable {
     if (load == newestLoad_) {
+      loader_.remember(std::move(all));
       takeRuns(runs, keys, std::move(rows));
       *chosen = selection_;
     }

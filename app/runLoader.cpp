@@ -3,7 +3,6 @@
 #include "base/detachThread.h"
 #include "base/mainQueue.h"
 #include "base/memory.h"
-#include "data/dataControl.h"
 
 #include <QLoggingCategory>
 #include <QScopeGuard>
@@ -84,6 +83,7 @@ struct RunLoader::Work {
   std::mutex mutex;
   // What the loader and its thread share, under the mutex.
   std::optional<Job> waiting;
+  std::optional<dataControl::KnownRuns> remembered;
   bool threadLives = false;
   bool gaveUp = false;
   dataControl::KnownRuns runs;  ///< The thread's alone.
@@ -112,6 +112,9 @@ bool RunLoader::Work::hand(Job job) {
 /// The next job of the thread, which has to end when there is none.
 std::optional<RunLoader::Work::Job> RunLoader::Work::takeJob() {
   const std::lock_guard lock(mutex);
+  if (remembered) {
+    runs = *std::exchange(remembered, std::nullopt);
+  }
   threadLives = waiting.has_value();
   return std::exchange(waiting, std::nullopt);
 }
@@ -180,6 +183,11 @@ void RunLoader::request(const TrackRequest& wanted, Receiver receiver) {
     work_->giveUp();
     work_->receiver = nullptr;  // the same run may be asked for again
   }
+}
+
+void RunLoader::remember(dataControl::KnownRuns runs) {
+  const std::lock_guard lock(work_->mutex);
+  work_->remembered = std::move(runs);
 }
 
 LoadedTrack RunLoader::read(const TrackRequest& wanted) {

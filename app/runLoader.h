@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/pointRows.h"
+#include "data/dataControl.h"
 #include "data/records.h"
 #include "map/trackOverlay.h"
 
@@ -46,6 +47,9 @@ class RunLoader {
   /// Reads the run and hands it to `receiver`, unless another request follows first. A request
   /// equal to the one that is not answered yet takes over its answer. Returns at once.
   void request(const TrackRequest& wanted, Receiver receiver);
+
+  /// Spares reading all runs again, as long as they are still those of the file.
+  void remember(dataControl::KnownRuns runs);
 
   /// Reads a run on the calling thread, whichever that is.
   static LoadedTrack read(const TrackRequest& wanted);
