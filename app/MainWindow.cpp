@@ -67,6 +67,7 @@ void MainWindow::setUpTables() {
 }
 
 void MainWindow::setMapWidget(QWidget* map) {
+  map->setAcceptDrops(false);  // the engine would take the files that the window restores from
   ui_->mapFrame->layout()->addWidget(map);
 }
 

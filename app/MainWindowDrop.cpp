@@ -40,9 +40,8 @@ void MainWindow::dropEvent(QDropEvent* event) {
   // answered.
   // A file that slips from the pointer must not replace the runs.
   mainQueue::post([controller = controller_, path] {
-    controller->recoverFrom(path,
-                            QStringLiteral("「%1」から復元しますか？今のデータは別のファイルに"
-                                           "残ります。")
-                                .arg(path));
+    controller->recoverFrom(path, QStringLiteral("「%1」から復元しますか？\n"
+                                                 "今のデータは別のファイルに残ります。")
+                                      .arg(path));
   });
 }

@@ -79,11 +79,15 @@ void TrakkoAppDelegate::askAndRestore(const QString& path, const QString& questi
   const QString asked = doubt.isNull()
                             ? question
                             : doubt + QStringLiteral(
-                                          "復元すると、今のランは表示されなくなります。今のデータは"
-                                          "別のファイルに残ります。それでも復元しますか？");
-  if (!asked.isNull() && !context_.dialogs->confirm(asked, QStringLiteral("復元"))) {
-    showStatus(QStringLiteral("復元しませんでした。"));
-    return;
+                                          "\n復元すると、今のランは表示されなくなります。"
+                                          "今のデータは別のファイルに残ります。\n"
+                                          "それでも復元しますか？");
+  if (!asked.isNull()) {
+    showStatus(QString());  // it is looked at
+    if (!context_.dialogs->confirm(asked, QStringLiteral("復元"))) {
+      showStatus(QStringLiteral("復元しませんでした。"));
+      return;
+    }
   }
   if (fileWorkRuns()) {
     return;

@@ -36,7 +36,7 @@ void showAbout(QWidget* window) {
   box->setStyleSheet(u"QLabel#qt_msgbox_informativelabel { min-width: %1px; }"_s.arg(
       box->fontMetrics().horizontalAdvance(what) + 2 * box->fontMetrics().height()));
   box->setDetailedText(licences());
-  box->addButton(u"OK"_s, QMessageBox::AcceptRole);
+  box->setDefaultButton(box->addButton(u"OK"_s, QMessageBox::AcceptRole));
   box->setAttribute(Qt::WA_DeleteOnClose);
   new BoxOver(box, window);  // the box owns it
   box->show();

@@ -50,6 +50,7 @@ QIcon lineOf(const QColor& colour) {
 ProfilePane::ProfilePane(std::shared_ptr<QWebEngineProfile> engine,
                          std::shared_ptr<Messenger> messenger)
     : view(new ProfileView(std::move(engine), std::move(messenger))) {
+  view->setAcceptDrops(false);  // files are the window's
   auto* frame = new QFrame;
   frame->setFrameShape(QFrame::StyledPanel);
   auto* inside = new QVBoxLayout(frame);

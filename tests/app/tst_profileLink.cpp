@@ -179,6 +179,7 @@ class tst_profileLink : public QObject {
           "new Image(), {src: '" +
           address + "'}));");
     QVERIFY(!stranger.waitForNewConnection(300));
+    QVERIFY(!pane_->view->acceptDrops());  // a dropped file is the window's
   }
 
  private:
