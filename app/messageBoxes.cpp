@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QTextBoundaryFinder>
 
 #include <algorithm>
 
@@ -31,11 +32,30 @@ int widthFor(const QString& text, const QFontMetrics& metrics) {
   return width;
 }
 
+/// The text with places to break in words that no line could hold, such as the name of a file.
+QString breakable(const QString& text) {
+  constexpr qsizetype longestWord = 40;
+  QString result;
+  QTextBoundaryFinder finder(QTextBoundaryFinder::Line, text);
+  qsizetype start = 0;
+  for (qsizetype end = finder.toNextBoundary(); end >= 0; end = finder.toNextBoundary()) {
+    while (end - start > longestWord) {
+      const bool splitsPair = text.at(start + longestWord - 1).isHighSurrogate();
+      const qsizetype count = splitsPair ? longestWord + 1 : longestWord;
+      result += text.sliced(start, count) + QChar(0x200b);  // a blank of no width
+      start += count;
+    }
+    result += text.sliced(start, end - start);
+    start = end;
+  }
+  return result;
+}
+
 void fill(QMessageBox& box, const QString& title, const QString& informativeText) {
   box.setWindowTitle(title);
   box.setText(QStringLiteral("<b>") + title + QStringLiteral("</b>"));
   box.setTextFormat(Qt::RichText);
-  const QString told = shortened(informativeText, 600);
+  const QString told = breakable(shortened(informativeText, 600));
   box.setInformativeText(told);
   // The text may quote a file name or other foreign text, which must not be read as markup.
   if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
