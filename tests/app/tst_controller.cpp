@@ -1,6 +1,7 @@
 #include "app/startUpCheck.h"
 #include "app/tableRows.h"
 #include "base/mainQueue.h"
+#include "data/connection.h"
 #include "data/dataControl.h"
 #include "storedRuns.h"
 #include "tests/columns.h"
@@ -9,6 +10,7 @@
 #include <QTableView>
 
 #include <algorithm>
+#include <sqlite3.h>
 
 namespace {
 
@@ -272,20 +274,47 @@ class tst_controller : public QObject {
   }
 
   void exportsThatOfferNothing_data() {
-    const auto row = columns<int, int, QStringList>("runs", "points", "panels");
-    row("no run", 0, 0, {"Save File||TCX"});
-    row("two points", 1, 2, {"Save File|20260501073000|TCX"});
-    row("three points", 1, 3, {"Save File|20260501073000|TCX", "Save File|20260501073000|GPX"});
+    const auto row = columns<QString, QString, QString, QString>("sql", "panels", "tcx", "gpx");
+    const QString tcx = "Save File|20260501073000|TCX";
+    row("no run", "delete from T_RunData", "Save File||TCX", "ランがありません",
+        "ランがありません");
+    row("two points", "delete from T_TrackPointData where T_Setid>2", tcx, "できません", "少ない");
+    row("three points", {}, tcx + " Save File|20260501073000|GPX", "できません", "できません");
+    row("unreadable", "drop table T_TrackPointData", tcx, "読み取れない", "読み取れない");
+    row("no start", "update T_RunData set T_RunStartTime=null; delete from T_TrackPointData",
+        "Save File||TCX", "開始日時がない", "少ない");
   }
   void exportsThatOfferNothing() {
-    QFETCH(int, runs);
-    QFETCH(int, points);
-    StartedWindow fixture(runs, points);
+    QFETCH(QString, sql);
+    QFETCH(QString, tcx);
+    QFETCH(QString, gpx);
+    WindowFixture fixture;
+    storeRuns(1, 3);
+    dataControl().deleteRecord(sql);
+    fixture.start();
     fixture.dialogs->fileAnswer = fixture.file("missing/run");
     fixture.controller->SaveTCXFile();
+    const StatusLine* line = fixture.controller->statusLine;
+    QVERIFY2(line->text().contains(tcx), qUtf8Printable(line->text()));
     fixture.controller->saveGPXFile();
-    QTEST(fixture.dialogs->panels, "panels");
+    QVERIFY2(line->text().contains(gpx), qUtf8Printable(line->text()));
+    QTEST(fixture.dialogs->panels.join(u' '), "panels");
     QVERIFY(!QFile::exists(fixture.file("missing")));
+  }
+
+  /// Another program's lock does not freeze the window; elsewhere a question waits for seconds.
+  void lockedDatabase() {
+    const WindowFixture fixture;
+    storeRuns(1);
+    sqlite3* opened = nullptr;
+    sqlite3_open(fixture.file("gpsData.db3").toUtf8().constData(), &opened);
+    const Connection other(opened);
+    QVERIFY(execute(opened, "begin exclusive"));
+    QElapsedTimer waiting;
+    waiting.start();
+    dataControl store;
+    QCOMPARE(store.getRunDataTF("2026-05-01"), 0);
+    QVERIFY(store.queryFailed && waiting.elapsed() < 3000);
   }
 
   void startUpProblems_data() {

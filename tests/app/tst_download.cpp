@@ -223,6 +223,12 @@ class tst_download : public QObject {
     QVERIFY(!fixture.controller->progressBar->isVisible());
   }
 
+  void aThreadThatFailsIsTold() {
+    const PluggedWindow fixture;
+    QVERIFY(detachThread("work", [] { throw 1; }));
+    QTRY_VERIFY(fixture.line().contains("内部エラー"));
+  }
+
   /// One that starts before the bar of the last has seen its end: settling needs the end of both.
   void noProgressIsLeftOver() {
     WindowFixture fixture;

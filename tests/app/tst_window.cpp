@@ -23,6 +23,11 @@ class tst_window : public QObject {
  private Q_SLOTS:
   void longTexts() {
     QCOMPARE(shortened(QString(1000000, u'\u0301')).size(), 301);
+    WindowFixture fixture;
+    storeRuns(1);
+    dataControl().deleteRecord("update T_LapData set T_LapType=printf('%.1000000c','x')");
+    fixture.start();
+    QCOMPARE(fixture.controller->lapView->model()->index(1, 0).data().toString().size(), 301);
     const QFontMetrics metrics(QGuiApplication::font());
     const QString path = "/home/" + QString(400, u'a') + "/run.tcx";
     const QString line = elidedLine("保存しました：「" + path + "」", metrics, 400);

@@ -313,6 +313,7 @@ class tst_databaseFile : public QObject {
     ask(backup_, "delete from T_RunData");
     QVERIFY(QFile::copy(made_.filePath("2"), in("free.db3")));
 
+    auto stored = std::async([] { return dataControl().inData({"delete from T_TrackData"}); });
     auto restored = std::async([&] { return databaseFile::restore(database_, in("free.db3")); });
     auto backedUp = std::async([&] { return databaseFile::backUp(backup_, in("log.db3")); });
     QVERIFY(databaseFile::backUp(database_, in("copy.db3")));
@@ -320,6 +321,8 @@ class tst_databaseFile : public QObject {
     QCOMPARE(restored.get().failure, Failure::busy);
     QCOMPARE(backedUp.get().failure, Failure::busy);
     QVERIFY(!QFile::exists(aside_) && leftovers().isEmpty());
+    QVERIFY(execute(writer.get(), "commit"));
+    QCOMPARE(stored.get(), 1);  // waits longer than these
   }
 
   // Killed before each single step: the database is the old or the new one, whole, the old one is

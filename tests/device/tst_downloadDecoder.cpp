@@ -74,6 +74,24 @@ class tst_downloadDecoder : public QObject {
     qputenv("TZ", "/usr/share/zoneinfo/Europe/Berlin");
   }
 
+  /// Only the run that the last line completes is logged, as the whole's end.
+  void theLastRunIsLogged() {
+    static int logged = 0;
+    QLoggingCategory::setFilterRules({});
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+          logged += text == "run ok";
+        });
+    QStringList lines;
+    for (const char* key : {"01", "02", "03"}) {
+      lines << runLine(0, key, {}) << runLine(1, key, {});
+    }
+    decodeDownload(lines, utcContext());
+    qInstallMessageHandler(before);
+    initTestCase();
+    QCOMPARE(logged, 1);
+  }
+
   void wholeDownload() {
     const QStringList lines{
         runLine(0, "0A",
