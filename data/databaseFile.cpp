@@ -88,8 +88,9 @@ QString beforeEarlierRestore(const QString& database) {
   return beside(database, u"-before-restore-2"_s);
 }
 
-QString damagedBeforeRestore(const QString& database) {
-  return beside(database, u"-before-restore-damaged"_s);
+QString damagedBeforeRestore(const QString& database, int number) {
+  const QString ending = u"-before-restore-damaged"_s;
+  return beside(database, number == 1 ? ending : ending + QString::number(number));
 }
 
 }  // namespace databaseFile

@@ -49,8 +49,8 @@ schemaCheck::Finding inspect(const QString& chosen);
 /// there before as beforeEarlierRestore(database); the place is never empty. On failure the old one
 /// stays where it is. Restoring the database from itself changes nothing. A file in the place that
 /// is no database takes no other's name: when an earlier restore has kept one, it is kept as
-/// damagedBeforeRestore(database). `chosen` may be one of the first two: then it and the database
-/// change names.
+/// damagedBeforeRestore(database), as what is no file always is. `chosen` may be one of the first
+/// two: then it and the database change names.
 Result restore(const QString& database, const QString& chosen, const Watcher& watcher = {});
 
 /// Where the last restore has put the database that was there: "gpsData-before-restore.db3" beside
@@ -59,7 +59,8 @@ QString beforeRestore(const QString& database);
 /// Where what the restore before has put aside is: "gpsData-before-restore-2.db3".
 QString beforeEarlierRestore(const QString& database);
 /// Where the last file that was no database is, if there was a database to keep beside it:
-/// "gpsData-before-restore-damaged.db3".
-QString damagedBeforeRestore(const QString& database);
+/// "gpsData-before-restore-damaged.db3", where that is no file
+/// "gpsData-before-restore-damaged2.db3" and so on.
+QString damagedBeforeRestore(const QString& database, int number);
 
 }  // namespace databaseFile

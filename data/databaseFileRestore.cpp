@@ -110,11 +110,22 @@ bool needsOwnPlace(const QString& database, const HeldDatabase& held) {
   return held.result() == SQLITE_NOTADB && isThere(beforeRestore(database));
 }
 
+/// The first name for what is no database that no folder or pipe has; an older file gives way to a
+/// file alone.
+QString placeForDamaged(const QString& database, bool isFile) {
+  int number = 1;
+  QString place = damagedBeforeRestore(database, number);
+  while (isThere(place) && !(isFile && isPlainFile(place))) {
+    place = damagedBeforeRestore(database, ++number);
+  }
+  return place;
+}
+
 /// Puts the new file in the place of the database, which is put aside first.
 Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile& copy,
                       const Watcher& watcher) {
   const bool ownPlace = needsOwnPlace(database, held);
-  const QString aside = ownPlace ? damagedBeforeRestore(database) : beforeRestore(database);
+  const QString aside = ownPlace ? placeForDamaged(database, true) : beforeRestore(database);
   watcher(copied);
   NewFile second(aside);
   if (Result named = nameAgain(database, aside, held, second); !named) {
@@ -175,18 +186,16 @@ Result fillPlace(const QString& database, NewFile& copy, const Watcher& watcher)
   return copy.replace() ? Result{} : unwritable(copy.error());
 }
 
-/// A folder, a pipe, a link to nowhere: nobody can hold it, but it is kept as well.
+/// A folder, a pipe, a link to nowhere: nobody can hold it, but it is kept as well, under a name
+/// where it is in no later restore's way.
 Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watcher) {
-  if (Result free = makeRoomAside(database, watcher); !free) {
-    return free;
-  }
+  const QString aside = placeForDamaged(database, false);
   watcher(copied);
-  if (rename(QFile::encodeName(database).constData(),
-             QFile::encodeName(beforeRestore(database)).constData()) != 0) {
+  if (rename(QFile::encodeName(database).constData(), QFile::encodeName(aside).constData()) != 0) {
     return unwritable(errno);
   }
   Result replaced = fillPlace(database, copy, watcher);
-  return replaced ? keptAs(beforeRestore(database)) : replaced;
+  return replaced ? keptAs(aside) : replaced;
 }
 
 /// Puts the new file in the place of the database, if there is one.
