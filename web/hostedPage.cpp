@@ -5,6 +5,7 @@
 
 #include <QDesktopServices>
 #include <QLoggingCategory>
+#include <QTimer>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
@@ -20,6 +21,7 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 constexpr auto reachOfAction = 1s;
+constexpr auto lifeOfLink = 1s;
 constexpr size_t mostBoxes = 5;  // at a time
 constexpr auto timeOfBoxes = 60s;
 constexpr qsizetype longestText = 500;  // of a box or a line of the log
@@ -34,20 +36,6 @@ void openOutside(const QUrl& url) {
   }
 }
 
-/// A window that the page opens: it only learns its address, which goes to the user's browser.
-class LinkPage : public QWebEnginePage {
- public:
-  using QWebEnginePage::QWebEnginePage;
-
- protected:
-  bool acceptNavigationRequest(const QUrl& url, NavigationType /*type*/,
-                               bool /*isMainFrame*/) override {
-    openOutside(url);
-    deleteLater();
-    return false;
-  }
-};
-
 void restrict(QWebEngineSettings& settings) {
   // A page stands on a file address, for its images' sake, and may need servers all the same.
   settings.setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
@@ -60,6 +48,26 @@ void restrict(QWebEngineSettings& settings) {
   settings.setAttribute(QWebEngineSettings::PluginsEnabled, false);
   settings.setUnknownUrlSchemePolicy(QWebEngineSettings::DisallowUnknownUrlSchemes);
 }
+
+/// A window that the page opens: it only learns its address, which goes to the user's browser. It
+/// is gone soon, since a page may open one without an address, and runs no scripts: those that
+/// guard a page are not in it.
+class LinkPage : public QWebEnginePage {
+ public:
+  LinkPage(QWebEngineProfile* profile, QObject* parent) : QWebEnginePage(profile, parent) {
+    restrict(*settings());
+    settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
+    QTimer::singleShot(lifeOfLink, this, &QObject::deleteLater);
+  }
+
+ protected:
+  bool acceptNavigationRequest(const QUrl& url, NavigationType /*type*/,
+                               bool /*isMainFrame*/) override {
+    openOutside(url);
+    deleteLater();
+    return false;
+  }
+};
 
 /// Runs beside the page's own scripts, out of their reach.
 QWebEngineScript watcher(const QString& readyWord, const QString& html) {

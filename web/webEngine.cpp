@@ -37,7 +37,8 @@ void setUpWebEngine() {
   const char* const flags = "QTWEBENGINE_CHROMIUM_FLAGS";
   qputenv(flags, qgetenv(flags) +
                      " --renderer-process-limit=1"
-                     " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
+                     " --force-webrtc-ip-handling-policy=disable_non_proxied_udp"
+                     " --disable-blink-features=WebTransport");
 }
 
 std::shared_ptr<QWebEngineProfile> makeWebEngine(const QString& cacheFolder) {

@@ -6,8 +6,8 @@
 #include <memory>
 
 /// Settles for the whole process how the engine runs: all pages live in one process, since a second
-/// one costs memory, and WebRTC, which asks no rules for requests, sends no datagrams. Main thread,
-/// before the application object exists.
+/// one costs memory, and nothing that asks no rules for requests sends datagrams: WebRTC does not,
+/// and there is no WebTransport. Main thread, before the application object exists.
 void setUpWebEngine();
 
 /// What the pages of the program have in common in the web engine: their cache, who they say they

@@ -1,5 +1,6 @@
-// Runs in every page and frame before its own scripts, in their world: takes from them what would
-// connect past the rules for requests.
+// Runs in every page and frame before its own scripts, in their world: takes from them WebRTC, which
+// would connect past the rules for requests. The engine itself sends no datagrams for it and has no
+// WebTransport; a window that a page opens runs no scripts.
 
 // A frame that is still empty has no scripts of its own, and the page may use it at once. So it is
 // guarded in the moment in which it comes: when it is put into the document, or when it is asked
@@ -7,7 +8,7 @@
 (function guard(window) {
   'use strict';
 
-  const connecting = ['RTCPeerConnection', 'webkitRTCPeerConnection', 'WebTransport'];
+  const connecting = ['RTCPeerConnection', 'webkitRTCPeerConnection'];
   for (let i = 0; i < connecting.length; ++i) {
     delete window[connecting[i]];
   }
