@@ -18,8 +18,6 @@ constexpr auto usualWait = 5s;
 constexpr auto storingWait = 10min;
 /// Far above what the largest honest file needs.
 constexpr auto windowRun = 10s;
-/// SQLite's steps between two looks at the clock: some milliseconds.
-constexpr int stepsBetween = 100000;
 
 /// Without linking the windows: programs that have none may wait on any thread.
 bool isWindowThread() {
@@ -35,15 +33,10 @@ ConnectionLimits::ConnectionLimits()
 
 void ConnectionLimits::attachTo(sqlite3* connection) {
   sqlite3_busy_handler(connection, wait, this);
+  steps_.attachTo(connection);
   if (window_) {
     end_ = Clock::now() + windowRun;
-    sqlite3_progress_handler(connection, stepsBetween, ranTooLong, this);
-  }
-}
-
-void ConnectionLimits::letRun(sqlite3* connection) {
-  if (connection != nullptr) {
-    sqlite3_progress_handler(connection, 0, nullptr, nullptr);
+    sqlite3_progress_handler(connection, StepLimit::stepsBetween, ranTooLong, this);
   }
 }
 
@@ -64,5 +57,6 @@ int ConnectionLimits::wait(void* limits, int /*calls*/) {
 }
 
 int ConnectionLimits::ranTooLong(void* limits) {
-  return Clock::now() > static_cast<ConnectionLimits*>(limits)->end_ ? 1 : 0;
+  auto* const self = static_cast<ConnectionLimits*>(limits);
+  return self->steps_.isReached() || (self->end_ && Clock::now() > *self->end_) ? 1 : 0;
 }

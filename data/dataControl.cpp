@@ -5,8 +5,6 @@
 #include "data/schema.h"
 #include "data/schemaCheck.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <sqlite3.h>
 
@@ -48,15 +46,14 @@ sqlite3* dataControl::open_db() {
   }
   // Without SQLite's own mutex: a store object belongs to one thread.
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  const int result = sqlite3_open_v2(QFile::encodeName(path).constData(), &db, flags, nullptr);
-  connection_.reset(db);
+  const int result = openDatabase(path, flags, connection_);
+  db = connection_.get();
   if (result != SQLITE_OK) {
     qCWarning(dataLog).noquote() << path << sqlite3_errmsg(db);
     connection_.reset();
     return nullptr;
   }
   limits_.attachTo(db);
-  runNothingStored(db);
   return db;
 }
 
@@ -93,7 +90,7 @@ sqlite3* dataControl::usable() const {
 }
 
 void dataControl::prepareToWrite() {
-  ConnectionLimits::letRun(usable());
+  limits_.letRun();
   execute(usable(), "PRAGMA synchronous=EXTRA");
 }
 

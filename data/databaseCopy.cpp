@@ -17,8 +17,6 @@ constexpr int chunkSize = 1 << 20;
 
 }  // namespace
 
-const std::array<QString, 3> companions{u"-journal"_s, u"-wal"_s, u"-shm"_s};
-
 Result unreadable(const QString& detail) {
   return {Failure::unreadable, detail};
 }

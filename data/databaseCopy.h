@@ -6,13 +6,8 @@
 
 #include <QString>
 
-#include <array>
-
 // What backup and restore of the database have in common.
 namespace databaseFile {
-
-/// What SQLite keeps beside a database; beside another one it would be taken for that one's.
-extern const std::array<QString, 3> companions;
 
 Result unreadable(const QString& detail);
 /// With the errno of the refused operation.

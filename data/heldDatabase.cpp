@@ -1,7 +1,5 @@
 #include "data/heldDatabase.h"
 
-#include <QFile>
-
 #include <sqlite3.h>
 
 namespace {
@@ -29,21 +27,22 @@ int mergeLog(sqlite3* connection, HeldDatabase::Against against) {
 }  // namespace
 
 HeldDatabase::HeldDatabase(const QString& path, Against against) {
-  sqlite3* opened = nullptr;
-  result_ =
-      sqlite3_open_v2(QFile::encodeName(path).constData(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-  connection_.reset(opened);
+  result_ = openDatabase(path, SQLITE_OPEN_READWRITE, connection_);
+  sqlite3* const opened = connection_.get();
   if (result_ != SQLITE_OK) {
     return;
   }
   sqlite3_busy_timeout(opened, busyLimit);
-  runNothingStored(opened);
+  steps_.attachTo(opened);
   sqlite3_file_control(opened, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
   // In an empty file, a writing transaction begins with a journal; there is nothing to protect.
   const bool writable = size() > 0;
   result_ = mergeLog(opened, against);
   if (result_ == SQLITE_OK) {
     result_ = against == Against::writers && writable ? begin(beginWriting) : hold(writable);
+  }
+  if (result_ == SQLITE_INTERRUPT) {
+    result_ = SQLITE_CORRUPT;  // its pages lead in circles
   }
 }
 

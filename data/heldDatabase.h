@@ -1,6 +1,7 @@
 #pragma once
 
 #include "data/connection.h"
+#include "data/stepLimit.h"
 
 #include <QString>
 
@@ -41,6 +42,7 @@ class HeldDatabase {
   int begin(const char* beginning);
   int hold(bool writable);
 
+  StepLimit steps_;
   Connection connection_;
   sqlite3_file* file_ = nullptr;  // belongs to the connection
   int result_;

@@ -3,9 +3,9 @@
 #include "data/connection.h"
 #include "data/fileState.h"
 #include "data/schema.h"
+#include "data/stepLimit.h"
 
 #include <QByteArray>
-#include <QFile>
 
 #include <array>
 #include <limits>
@@ -70,8 +70,12 @@ Progress readSome(sqlite3_stmt* statement, Ranges& ranges, qint64& last) {
   int rows = 0;
   int result = sqlite3_step(statement);
   for (; result == SQLITE_ROW; result = sqlite3_step(statement)) {
+    const qint64 id = sqlite3_column_int64(statement, 0);
+    if (id <= last) {
+      return Progress::failed;  // pages that lead in circles
+    }
     ++rows;
-    last = sqlite3_column_int64(statement, 0);
+    last = id;
     qint64 number = 0;
     if (!readNumber(statement, number)) {
       continue;
@@ -117,11 +121,11 @@ std::optional<FileState> stateOf(sqlite3* connection) {
 }  // namespace
 
 bool locate(const QString& database) {
-  sqlite3* opened = nullptr;
-  const int result = sqlite3_open_v2(QFile::encodeName(database).constData(), &opened,
-                                     SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
-  const Connection connection(opened);
-  runNothingStored(opened);
+  StepLimit steps;
+  Connection connection;
+  const int result = openDatabase(database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, connection);
+  sqlite3* const opened = connection.get();
+  steps.attachTo(opened);
   const std::optional<FileState> state = result == SQLITE_OK ? stateOf(opened) : std::nullopt;
   if (!state) {
     return false;

@@ -2,9 +2,9 @@
 
 #include "data/connection.h"
 #include "data/schema.h"
+#include "data/stepLimit.h"
 
 #include <QByteArray>
-#include <QFile>
 
 #include <algorithm>
 #include <array>
@@ -23,6 +23,7 @@ Finding findingOf(int result) {
       return Finding::complete;
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
+    case SQLITE_INTERRUPT:  // its pages lead in circles
       return Finding::noDatabase;
     case SQLITE_ERROR:  // compiled, but not with what this database has
       return Finding::tablesMissing;
@@ -48,8 +49,8 @@ Finding isTable(sqlite3* connection, const char* table) {
                                 : findingOf(result);
 }
 
-/// The names of the columns that the table stores, in their order and in lower case; one that is
-/// computed instead counts as no name.
+/// The names of the table's columns, in their order and in lower case. A table with a column that
+/// is computed when it is read is not one of ours.
 Finding readColumns(sqlite3* connection, const QByteArray& table,
                     std::vector<QByteArray>& columns) {
   constexpr int name = 1;
@@ -61,9 +62,11 @@ Finding readColumns(sqlite3* connection, const QByteArray& table,
   }
   int result = sqlite3_step(statement.get());
   for (; result == SQLITE_ROW; result = sqlite3_step(statement.get())) {
-    const bool stored = sqlite3_column_int(statement.get(), hidden) == 0;
+    if (sqlite3_column_int(statement.get(), hidden) != 0) {
+      return Finding::tablesMissing;
+    }
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), name));
-    columns.push_back(stored ? QByteArray(text).toLower() : QByteArray());
+    columns.push_back(QByteArray(text).toLower());
   }
   return findingOf(result);
 }
@@ -105,12 +108,11 @@ Finding check(sqlite3* connection) {
 }
 
 Finding check(const QString& path) {
-  sqlite3* opened = nullptr;
-  const int result =
-      sqlite3_open_v2(QFile::encodeName(path).constData(), &opened, SQLITE_OPEN_READONLY, nullptr);
-  const Connection connection(opened);
-  runNothingStored(opened);
-  return result == SQLITE_OK ? check(opened) : Finding::unreadable;
+  StepLimit steps;
+  Connection connection;
+  const int result = openDatabase(path, SQLITE_OPEN_READONLY, connection);
+  steps.attachTo(connection.get());
+  return result == SQLITE_OK ? check(connection.get()) : Finding::unreadable;
 }
 
 }  // namespace schemaCheck

@@ -5,8 +5,8 @@
 struct sqlite3;
 
 /// Whether a database has what the store works on: the four tables, as tables and not as views or
-/// virtual tables, each with all columns in their places. More columns behind them and more tables
-/// do no harm.
+/// virtual tables, each with all columns in their places and none that is computed. More columns
+/// behind them and more tables do no harm.
 namespace schemaCheck {
 
 enum class Finding {

@@ -1,3 +1,5 @@
+#include "data/databaseFile.h"
+#include "data/pointLocator.h"
 #include "data/schemaCheck.h"
 #include "storeFolder.h"
 #include "tests/columns.h"
@@ -89,6 +91,8 @@ class tst_storeFailures : public QObject {
         "alter table T_LapData drop T_LapDsc; alter table T_LapData drop T_Cnumber;"
         "alter table T_LapData add T_LapDsc as (1); alter table T_LapData add T_Cnumber",
         Finding::tablesMissing, -1);
+    row("computed behind", "alter table T_TrackData add b as (hex(zeroblob(400000000)))",
+        Finding::tablesMissing, 1);
     row("virtual", "drop table T_TrackData; create virtual table T_TrackData using fts4(a)",
         Finding::tablesMissing, 1);
     row("missing table", "drop table T_TrackData", Finding::tablesMissing, 1);
@@ -106,6 +110,18 @@ class tst_storeFailures : public QObject {
     data.getRunDataTF("2014-05-01");
     QTEST(oneRun().store(), "stored");
     QTEST(dataControl().getRunData("ALL", {}).isEmpty() ? -1 : 1, "stored");
+  }
+
+  // A pipe in the place of a journal would be waited for for ever.
+  static void pipeBeside() {
+    const StoreFolder folder;
+    QCOMPARE(oneRun().store(), 1);
+    QCOMPARE(mkfifo(QFile::encodeName(folder.database + "-journal").constData(), 0600), 0);
+    dataControl data;
+    QVERIFY(data.getRunData("ALL", {}).isEmpty() && data.queryFailed);
+    QVERIFY(!pointLocator::locate(folder.database));
+    QCOMPARE(schemaCheck::check(folder.database), schemaCheck::Finding::unreadable);
+    QCOMPARE(databaseFile::inspect(folder.database), schemaCheck::Finding::unreadable);
   }
 
   // A destroyed page must not pass for runs without points, nor the numbers that it hid for free.

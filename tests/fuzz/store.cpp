@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   batch.add(1, "name", 1, 1);
   const qint32 stored = batch.store();
   require(stored == 1 || stored == -1);
-  require(stored == -1 || dataControl().checkRecord("2014-05-01 07:30:05") == 1);
+  require(stored == -1 || dataControl().checkRecord("2014-05-01 07:30:05") != 0);
   dataControl().deleteOneData(1);
   dataControl().deleteAllData();
   return 0;

@@ -1,0 +1,35 @@
+#include "data/stepLimit.h"
+
+#include "data/connection.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+// A row takes 18 bytes at least, and some 90 steps to be read and sorted.
+constexpr qint64 stepsPerByte = 50;
+constexpr qint64 stepsOfAnyFile = 10'000'000;
+
+}  // namespace
+
+void StepLimit::attachTo(sqlite3* connection) {
+  if (connection == nullptr) {
+    return;
+  }
+  most_ = stepsOfAnyFile + stepsPerByte * fileSize(connection);
+  left_ = most_;
+  const auto begin = [](unsigned /*event*/, void* limit, void* /*statement*/, void* /*text*/) {
+    auto* const self = static_cast<StepLimit*>(limit);
+    self->left_ = self->most_;
+    return 0;
+  };
+  sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, begin, this);
+  sqlite3_progress_handler(
+      connection, stepsBetween,
+      [](void* limit) { return static_cast<StepLimit*>(limit)->isReached() ? 1 : 0; }, this);
+}
+
+bool StepLimit::isReached() {
+  left_ -= stepsBetween;
+  return left_ < 0;
+}
