@@ -151,9 +151,11 @@ void TrakkoAppDelegate::loadTables(const QString& start, const QString& end, int
 void TrakkoAppDelegate::loadFailed(int load, bool ofNewData) {
   constexpr int firstLoad = 1;
   const bool toldAtStart = load == firstLoad && !startUpProblem().isNull();
-  performOnMainThread([this, toldAtStart, ofNewData] {
+  performOnMainThread([this, load, toldAtStart, ofNewData] {
     toldUnreadable_ = toldUnreadable_ || toldAtStart;
-    tellUnreadable(ofNewData);
+    if (load == newestLoad_) {
+      tellUnreadable(ofNewData);
+    }
   });
 }
 

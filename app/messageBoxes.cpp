@@ -73,6 +73,20 @@ bool hasType(const QString& path, const QString& type) {
   return QFileInfo(path).suffix().compare(type, Qt::CaseInsensitive) == 0;
 }
 
+/// A name as the panel and every file system can take it. A restored file may offer megabytes.
+QString nameOfFile(const QString& name, const QString& type) {
+  constexpr qsizetype mostCharacters = 100;
+  constexpr qsizetype mostBytes = 255;
+  const QString ending = u'.' + type;
+  QString begun = name.left(mostCharacters - ending.size());
+  while (begun.toUtf8().size() + ending.toUtf8().size() > mostBytes) {
+    begun.chop(1);
+  }
+  const bool splitsPair = !begun.isEmpty() && begun.back().isHighSurrogate();
+  begun.chop(splitsPair ? 1 : 0);
+  return begun + ending;
+}
+
 /// Where the first file panel begins.
 QString firstFolder() {
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -155,7 +169,7 @@ QString MessageBoxes::fileToSave(const QString& title, const QString& name, cons
   panel.setNameFilter(filterFor(type));
   panel.setDefaultSuffix(type);
   panel.setDirectory(folderToBeginIn());
-  panel.selectFile(name + u'.' + type);
+  panel.selectFile(nameOfFile(name, type));
   while (runOver(panel, parent_)) {
     const QString path = panel.selectedFiles().value(0);
     if (hasType(path, type)) {

@@ -58,12 +58,17 @@ class tst_commands : public QObject {
 
   // The panels themselves offer files of their type alone.
   void panels_data() {
-    const auto row = columns<bool, QString, QString>("saves", "type", "shown");
-    row("save", true, "TCX", "title|TCX (*.TCX)|name.TCX");
-    row("open", false, "db3", "title|db3 (*.db3)|");
+    const auto row = columns<bool, QString, QString, QString>("saves", "name", "type", "shown");
+    row("save", true, "name", "TCX", "title|TCX (*.TCX)|name.TCX");
+    row("save under a name without end", true, QString(1000000, u'\u0301'), "TCX",
+        "title|TCX (*.TCX)|" + QString(96, u'\u0301') + ".TCX");
+    row("save under many bytes", true, "x" + QString(99, u'文'), "TCX",
+        "title|TCX (*.TCX)|x" + QString(83, u'文') + ".TCX");
+    row("open", false, {}, "db3", "title|db3 (*.db3)|");
   }
   void panels() {
     QFETCH(bool, saves);
+    QFETCH(QString, name);
     QFETCH(QString, type);
     QString shown;
     QTimer::singleShot(0, this, [&] {
@@ -76,8 +81,8 @@ class tst_commands : public QObject {
       }
     });
     MessageBoxes boxes;
-    QVERIFY((saves ? boxes.fileToSave("title", "name", type) : boxes.fileToOpen("title", type))
-                .isNull());
+    QVERIFY(
+        (saves ? boxes.fileToSave("title", name, type) : boxes.fileToOpen("title", type)).isNull());
     QTEST(shown, "shown");
   }
 

@@ -163,6 +163,10 @@ class tst_controller : public QObject {
     QCOMPARE(fixture.controller->currentNumber, 2);
     QCOMPARE(shown(fixture.controller->lapView, 0, 0), "2026-05-02 07:30:00");
     QCOMPARE(fixture.controller->lapView->model()->rowCount(), 3);
+    dataControl().deleteRecord("drop table T_TrackPointData");
+    fixture.controller->refreshData(0);
+    fixture.settle();
+    QCOMPARE(fixture.controller->statusLine->text(), "");  // nor does what it fails with
   }
 
   void onlyTheNewestRefreshDraws() {
