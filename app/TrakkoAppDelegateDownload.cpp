@@ -15,8 +15,7 @@
 namespace {
 
 Verdict verdictOf(const DownloadOutcome& outcome) {
-  const bool whole = outcome.linked && outcome.runsNotStored == 0 && outcome.shortBlocks == 0 &&
-                     !outcome.isMixed();
+  const bool whole = outcome.linked && outcome.isWhole();
   if (whole && outcome.code == downloadResult::stored) {
     return Verdict::done;
   }

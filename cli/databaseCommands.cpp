@@ -110,8 +110,8 @@ class ReplayCommand : public Command {
     output.message(downloadWords::replayed(outcome));
     const bool hasRuns =
         outcome.code == downloadResult::stored || outcome.code == downloadResult::noRunCompleted;
-    const bool complete =
-        hasRuns && outcome.error.isNull() && !outcome.wouldMix && outcome.runsNotStored == 0;
+    const bool complete = hasRuns && outcome.error.isNull() && !outcome.wouldMix &&
+                          outcome.runsNotStored == 0 && outcome.strayLines == 0;
     return complete ? ExitCode::done : ExitCode::failed;
   }
 };

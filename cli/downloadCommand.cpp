@@ -49,7 +49,8 @@ ExitCode codeOf(const DownloadOutcome& outcome) {
   const bool nothingNew = outcome.code == downloadResult::noRecords ||
                           (outcome.code == downloadResult::noRunCompleted && outcome.newRuns == 0);
   const bool stored = outcome.code == downloadResult::stored && outcome.runsNotStored == 0;
-  return (stored || nothingNew) && outcome.shortBlocks == 0 ? ExitCode::done : ExitCode::failed;
+  const bool complete = outcome.shortBlocks == 0 && outcome.strayLines == 0;
+  return (stored || nothingNew) && complete ? ExitCode::done : ExitCode::failed;
 }
 
 QJsonObject objectOf(const DownloadOutcome& outcome) {

@@ -104,6 +104,9 @@ class dataControl {
   /// 1 when a run with exactly that start time is stored, 0 when none is, -1 when the question
   /// could not be answered.
   qint32 checkRecord(const QString& startTime);
+  /// How many runs with exactly that start time are stored, that is, how many activity numbers they
+  /// have; -1 when the question could not be answered.
+  qint64 countRuns(const QString& startTime);
   /// The largest activity number in `table`, 0 when there is none; what is no whole number from 1
   /// to 2^31-1 counts for nothing. Opens the connection when it must, and leaves it open.
   qint64 getMaxCnumber(const QString& table);

@@ -193,6 +193,14 @@ qint32 dataControl::checkRecord(const QString& startTime) {
   return rows.integer(0) > 0 ? 1 : 0;
 }
 
+qint64 dataControl::countRuns(const QString& startTime) {
+  Rows rows(usable(), withText("Select Count(Distinct T_Cnumber) From T_RunData Where "
+                               "T_RunStartTime ='",
+                               startTime, "';"));
+  const bool counted = rows.next();
+  return answered(rows) && counted ? rows.integer(0) : -1;
+}
+
 qint64 dataControl::getMaxCnumber(const QString& table) {
   db = open_db();
   limits_.waitForBackups();  // asked by a download, which ends here without the answer

@@ -43,6 +43,12 @@ SortedLines sortLines(const QStringList& lines) {
   return sorted;
 }
 
+qsizetype linesBeforeAnyHeader(const std::vector<QStringView>& lines) {
+  const auto header = std::find_if(lines.begin(), lines.end(),
+                                   [](QStringView line) { return Block(line).isHeader(); });
+  return header - lines.begin();
+}
+
 }  // namespace
 
 DecodedDownload decodeDownload(const QStringList& lines, const DecodeContext& context) {
@@ -57,6 +63,7 @@ DecodedDownload decodeDownload(const QStringList& lines, const DecodeContext& co
     qCDebug(lcDecoder) << sorted.runs[i];
     runs.take(Block(sorted.runs[i]), i + 1 == sorted.runs.size());
   }
+  result.strayLines += linesBeforeAnyHeader(sorted.points);
   if (result.batch.runArr.isEmpty()) {
     return result;
   }

@@ -3,7 +3,7 @@
 #include "data/records.h"
 #include "device/downloadResult.h"
 
-#include <QSet>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QTimeZone>
@@ -35,10 +35,15 @@ struct DecodedDownload {
   /// Meaningful when the batch holds no run: notStored without any run line, noRunCompleted with.
   qint32 code = downloadResult::notStored;
   qint64 cnumber = 0;  ///< The activity number in hand at the end.
-  /// Start times that the headers of runs announced which are not stored yet, each once. A run
-  /// without a lap at the end, or whose key another run has too, is here but not in the batch.
-  QSet<QString> newStarts;
+  /// Start times of the runs that are not stored yet, with the number of headers that announced
+  /// one: after its clock fell back a watch has two. A run without a lap at the end, or whose key
+  /// another run has too, is here but not in the batch.
+  QHash<QString, qsizetype> newStarts;
+  qsizetype newRuns = 0;    ///< How many headers these are.
   qsizetype knownRuns = 0;  ///< How many headers announced a run that is stored already.
+  /// Laps behind no header of their run, and points before that of any track: a header was lost,
+  /// and a run with it.
+  qsizetype strayLines = 0;
 };
 
 /// Decodes received lines ("EE 0A ..." with 36 bytes each) into records. Pure; takes any text at

@@ -14,6 +14,13 @@ QString runsMissing(qsizetype all, qsizetype missing) {
   return QStringLiteral("%1件のうち%2件のランを保存できませんでした。").arg(all).arg(missing);
 }
 
+QString linesStray(qsizetype count) {
+  return QStringLiteral(
+             "どのランのものか分からないラップやトラックポイントが%1行ありました。"
+             "ランが欠けているかもしれません。")
+      .arg(count);
+}
+
 QString howToReplay(const QString& path) {
   return QStringLiteral(
              "受信したデータは「%1」に残してあります。"
@@ -46,6 +53,9 @@ QString losses(const DownloadOutcome& outcome) {
                 "時計のデータは消去せず、欠けたランをこの一覧から消去してから、"
                 "もう一度ダウンロードすると取り込み直せます。")
                 .arg(outcome.shortBlocks);
+  }
+  if (outcome.strayLines > 0) {
+    lost += linesStray(outcome.strayLines);
   }
   if (outcome.code == downloadResult::stored && outcome.isMixed()) {
     lost += (lost.isEmpty() ? storedRuns(outcome.runsStored()) : QString()) +
@@ -158,6 +168,10 @@ QString replayed(const ReplayOutcome& outcome) {
   }
   if (outcome.runsNotStored > 0) {
     return runsMissing(outcome.newRuns, outcome.runsNotStored);
+  }
+  if (outcome.strayLines > 0) {
+    return (outcome.newRuns > 0 ? storedRuns(outcome.newRuns) : QString()) +
+           linesStray(outcome.strayLines);
   }
   switch (outcome.code) {
     case downloadResult::stored:

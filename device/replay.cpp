@@ -40,14 +40,11 @@ ReplayOutcome replayKeptLines(const QString& path) {
   }
   // The watch's identity is not kept; downloads do without it as well.
   const WatchIdentity unknown;
-  const DecodedDownload seen = decodeForStore(lines, unknown);
-  outcome.newRuns = seen.newStarts.size();
-  if (seen.knownRuns > 0 && outcome.newRuns > 0) {
-    outcome.wouldMix = true;
-    return outcome;
-  }
-  const StoredDownload stored = storeDownload(lines, unknown);
+  const StoredDownload stored = storeDownload(lines, unknown, MixedRuns::refuse);
+  outcome.newRuns = stored.decoded.newRuns;
+  outcome.wouldMix = stored.wouldMix;
   outcome.code = stored.code;
   outcome.runsNotStored = stored.runsNotStored;
+  outcome.strayLines = stored.decoded.strayLines;
   return outcome;
 }

@@ -11,6 +11,7 @@ struct ReplayOutcome {
   qint32 code = downloadResult::notStored;
   qsizetype newRuns = 0;        ///< Runs in the file that were not stored before.
   qsizetype runsNotStored = 0;  ///< How many of these could not be stored.
+  qsizetype strayLines = 0;     ///< Laps and points without a header before them.
 };
 
 /// Stores the runs of the kept lines of a download ("lastDownload*.txt"), as the download would

@@ -85,8 +85,11 @@ RunDecoder::RunDecoder(const DecodeContext& context, DecodedDownload& result)
 void RunDecoder::take(const Block& line, bool isLast) {
   if (line.isHeader()) {
     takeHeader(line);
-  } else if (open_) {
-    takeLap(line, isLast);
+  } else {
+    result_.strayLines += line.runKey() == runKey ? 0 : 1;
+    if (open_) {
+      takeLap(line, isLast);
+    }
   }
   previous_ = line;
 }
@@ -103,7 +106,8 @@ void RunDecoder::takeHeader(const Block& line) {
     ++result_.knownRuns;
     return;
   }
-  result_.newStarts.insert(header.startTime);
+  ++result_.newStarts[header.startTime];
+  ++result_.newRuns;
   result_.cnumber = next(result_.cnumber);
   open_ = std::move(header);
 }

@@ -98,15 +98,16 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   qsizetype newRuns = 0;        ///< Runs that the headers announced and that were not stored yet.
   qsizetype runsNotStored = 0;  ///< How many of these are still not in the database.
   qsizetype knownRuns = 0;      ///< How many runs of the download were stored before.
+  qsizetype strayLines = 0;     ///< How many laps and points came without a header before them.
 
   // Where the lines of the last download are when the watch is erased.
 
   /// They are in DeviceEnvironment::lastDownloadPath, until the next download of more than two
   /// lines.
   std::atomic<bool> linesKept{false};
-  /// File that holds them for good because runs were not stored, blocks stayed short or points may
-  /// be mixed (downloadResult::mixesPoints); null when that is not so or the file could not be
-  /// made. Thread of the commands.
+  /// File that holds them for good because runs were not stored, blocks stayed short, headers were
+  /// missing or points may be mixed (downloadResult::mixesPoints); null when that is not so or the
+  /// file could not be made. Thread of the commands.
   QString lastingPath;
 
   // How the transfer went.
@@ -209,7 +210,7 @@ class usbOperating : public PortHolder, public std::enable_shared_from_this<usbO
   static QString turn10to2(const QString& decimal);
 
   /// Decodes chStr and stores the new runs: stored, notStored or noRunCompleted of downloadResult.
-  /// Fills the batch members, newRuns and runsNotStored.
+  /// Fills the batch members and the counts behind them.
   qint32 convertChstr();
 
   // Assistance data.

@@ -76,6 +76,7 @@ void usbOperating::forgetLastDownload() {
   newRuns = 0;
   runsNotStored = 0;
   knownRuns = 0;
+  strayLines = 0;
   shortBlocks = 0;
   endless = false;
 }
@@ -129,12 +130,12 @@ void usbOperating::keepLines() {
 /// ones, whose points go by their place among the new.
 void usbOperating::keepDoubtfulLines(const QDateTime& end) {
   const bool mixed = downloadResult::mixesPoints(knownRuns, newRuns);
-  if (runsNotStored == 0 && shortBlocks == 0 && !mixed) {
+  if (runsNotStored == 0 && shortBlocks == 0 && strayLines == 0 && !mixed) {
     return;
   }
-  qCCritical(lcProtocol, "%lld of %lld runs not stored, %d blocks short",
+  qCCritical(lcProtocol, "%lld of %lld runs not stored, %d blocks short, %lld lines stray",
              static_cast<long long>(runsNotStored), static_cast<long long>(newRuns),
-             shortBlocks.load());
+             shortBlocks.load(), static_cast<long long>(strayLines));
   if (environment_.lastDownloadPath.isEmpty()) {
     return;
   }

@@ -16,8 +16,9 @@ qint32 usbOperating::convertChstr() {
   lapMD = std::move(stored.decoded.batch.lapMD);
   pointMD = std::move(stored.decoded.batch.pointMD);
   cnumber = stored.decoded.cnumber;
-  newRuns = stored.decoded.newStarts.size();
+  newRuns = stored.decoded.newRuns;
   runsNotStored = stored.runsNotStored;
   knownRuns = stored.decoded.knownRuns;
+  strayLines = stored.decoded.strayLines;
   return stored.code;
 }

@@ -10,10 +10,13 @@ constexpr std::chrono::milliseconds toldEvery{100};
 
 }  // namespace
 
+bool DownloadOutcome::isWhole() const {
+  return runsNotStored == 0 && shortBlocks == 0 && strayLines == 0 && !isMixed();
+}
+
 bool DownloadOutcome::isSafe() const {
-  const bool wholly = code == downloadResult::stored || code == downloadResult::noRunCompleted;
-  return linked && !cancelled && wholly && runsNotStored == 0 && !isMixed() && shortBlocks == 0 &&
-         linesKept;
+  const bool wellEnded = code == downloadResult::stored || code == downloadResult::noRunCompleted;
+  return linked && !cancelled && wellEnded && isWhole() && linesKept;
 }
 
 WatchDownload::WatchDownload(const DeviceEnvironment& environment, Progress progress)
@@ -43,6 +46,7 @@ DownloadOutcome WatchDownload::run() {
   outcome.runsNotStored = usb->runsNotStored;
   outcome.knownRuns = usb->knownRuns;
   outcome.shortBlocks = usb->shortBlocks;
+  outcome.strayLines = usb->strayLines;
   outcome.endless = usb->endless;
   outcome.linesKept = usb->linesKept;
   outcome.lastingPath = usb->lastingPath;

@@ -29,6 +29,7 @@ struct DownloadOutcome {
   qsizetype runsNotStored = 0;  ///< How many of these could not be stored.
   qsizetype knownRuns = 0;      ///< Runs that were stored before.
   qsizetype shortBlocks = 0;    ///< Blocks that came only in part.
+  qsizetype strayLines = 0;     ///< Laps and points without a header before them.
   bool endless = false;         ///< Given up: far more blocks than a watch holds, and no end.
   bool linesKept = false;       ///< The lines are in `keptPath`, until the next download.
   QString keptPath;             ///< DeviceEnvironment::lastDownloadPath.
@@ -36,6 +37,8 @@ struct DownloadOutcome {
 
   qsizetype runsStored() const { return newRuns - runsNotStored; }
   bool isMixed() const { return downloadResult::mixesPoints(knownRuns, newRuns); }
+  /// Nothing that came is missing in the database, as far as can be told, or may be wrong in it.
+  bool isWhole() const;
   /// Everything that the watch sent is in the database, and its lines are kept: the watch may be
   /// erased unasked.
   bool isSafe() const;
