@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -69,6 +70,22 @@ Result copyHeld(const HeldDatabase& held, const QString& like, NewFile& copy,
   }
   watcher(100);
   return {};
+}
+
+bool isEqual(const HeldDatabase& held, qint64 size, const Reader& other) {
+  if (size < 0 || held.size() != size) {
+    return false;
+  }
+  std::vector<char> first(chunkSize);
+  std::vector<char> second(chunkSize);
+  for (qint64 offset = 0; offset < size; offset += chunkSize) {
+    const int count = static_cast<int>(qMin<qint64>(chunkSize, size - offset));
+    if (!held.read(first.data(), count, offset) || !other(second.data(), count, offset) ||
+        !std::equal(first.begin(), first.begin() + count, second.begin())) {
+      return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace databaseFile

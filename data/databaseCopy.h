@@ -24,4 +24,9 @@ bool isNoDatabase(const HeldDatabase& held);
 Result copyHeld(const HeldDatabase& held, const QString& like, NewFile& copy,
                 const Watcher& watcher);
 
+/// Reads `count` bytes at `offset`, all of them or false.
+using Reader = std::function<bool(char* bytes, int count, qint64 offset)>;
+/// Whether the bytes of the held file are those that `other` reads, `size` of them.
+bool isEqual(const HeldDatabase& held, qint64 size, const Reader& other);
+
 }  // namespace databaseFile

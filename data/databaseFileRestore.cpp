@@ -31,6 +31,16 @@ bool hasCompanions(const QString& path) {
                      [&](const QString& companion) { return isThere(place + companion); });
 }
 
+/// Whether the file's bytes are all of the database: no journal or log beside it holds a part.
+/// The last companion is but an index of the log.
+bool isAlone(const QString& path) {
+  const QString place = QFileInfo(path).canonicalFilePath();
+  return std::all_of(companions.begin(), companions.end() - 1, [&](const QString& companion) {
+    const QFileInfo found(place + companion);
+    return !found.exists() || (found.isFile() && found.size() == 0);
+  });
+}
+
 /// Reads the chosen file as a backup reads the database: through SQLite, which puts in what a
 /// journal or log beside it holds. What SQLite does not take for a database is copied as it is,
 /// unless it has such a companion: then a part of it would be missing.
@@ -163,6 +173,8 @@ Result exchange(const QString& database, const QString& kept, const HeldDatabase
   if (Result moved = moveCompanions(database, kept, watcher); !moved) {
     return moved;
   }
+  // Files that were only readable are put aside as they are.
+  QFile::setPermissions(kept, QFile::permissions(kept) | QFile::ReadOwner | QFile::WriteOwner);
   watcher(copied);
   if (renameat2(AT_FDCWD, QFile::encodeName(kept).constData(), AT_FDCWD,
                 QFile::encodeName(database).constData(), RENAME_EXCHANGE) == 0) {
@@ -198,6 +210,32 @@ Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watc
   return replaced ? keptAs(aside) : replaced;
 }
 
+bool isCopyOf(const QString& database, const HeldDatabase& held, const NewFile& copy) {
+  return isAlone(database) &&
+         isEqual(held, copy.size(), [&](char* bytes, int count, qint64 offset) {
+           return copy.read(bytes, count, offset);
+         });
+}
+
+/// The name under which an earlier restore has kept the very bytes of the database; null when it is
+/// needed itself.
+QString keptAlready(const QString& database, const HeldDatabase& held) {
+  for (const QString& kept : {beforeRestore(database), beforeEarlierRestore(database)}) {
+    if (!isPlainFile(kept) || isSameFile(kept, database) || QFileInfo(kept).size() != held.size() ||
+        !isAlone(database)) {
+      continue;
+    }
+    const HeldDatabase other(kept, HeldDatabase::Against::changes);
+    if (other.result() != SQLITE_BUSY && isAlone(kept) &&
+        isEqual(held, other.size(), [&](char* bytes, int count, qint64 offset) {
+          return other.read(bytes, count, offset);
+        })) {
+      return kept;
+    }
+  }
+  return {};
+}
+
 /// Puts the new file in the place of the database, if there is one.
 Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
                  const Watcher& watcher) {
@@ -212,6 +250,15 @@ Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
   const HeldDatabase held(database, HeldDatabase::Against::writers);
   if (held.result() == SQLITE_BUSY) {
     return {Failure::busy, held.message()};
+  }
+  // Put aside once more, it would push out another: whoever restores one file again and again keeps
+  // what was there before.
+  if (isCopyOf(database, held, copy)) {
+    return fillPlace(database, copy, watcher);
+  }
+  if (const QString kept = keptAlready(database, held); !kept.isNull()) {
+    Result replaced = fillPlace(database, copy, watcher);
+    return replaced ? keptAs(kept) : replaced;
   }
   if (needsOwnPlace(database, held)) {
     return replaceKeeping(database, held, copy, watcher);

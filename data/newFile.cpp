@@ -39,7 +39,7 @@ bool NewFile::create(const QString& like) {
   struct stat found {};
   const bool known = stat(QFile::encodeName(like).constData(), &found) == 0;
   return underFreeName([&](const char* name) {
-    descriptor_ = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
+    descriptor_ = open(name, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
     if (descriptor_ >= 0 && known) {
       // Refused where files have none.
       fchmod(descriptor_, (found.st_mode & permissions) | ownersRights);
@@ -63,6 +63,15 @@ bool NewFile::write(const char* bytes, qsizetype size) {
     size -= qMax<ssize_t>(taken, 0);
   }
   return true;
+}
+
+qint64 NewFile::size() const {
+  struct stat found {};
+  return fstat(descriptor_, &found) == 0 ? found.st_size : -1;
+}
+
+bool NewFile::read(char* bytes, int count, qint64 offset) const {
+  return pread(descriptor_, bytes, static_cast<size_t>(count), offset) == count;
 }
 
 bool NewFile::sync() {

@@ -24,6 +24,10 @@ class NewFile {
   /// Makes the unfinished file a second name of `existing`; not every file system can.
   bool linkTo(const QString& existing);
   bool write(const char* bytes, qsizetype size);
+  /// Bytes of what create() has made.
+  qint64 size() const;
+  /// Reads `count` of them at `offset`, all or false.
+  bool read(char* bytes, int count, qint64 offset) const;
   /// Waits until everything written is on the disk.
   bool sync();
   /// Takes the place, if need be from an older file.

@@ -246,11 +246,20 @@ class tst_databaseFile : public QObject {
     QVERIFY(QFile::copy(backup_, in("wrong.db3")));
     ask(in("wrong.db3"), "update T_RunData set T_RunStartTime='wrong'");
     QVERIFY(databaseFile::restore(database_, in("wrong.db3")));
+    QVERIFY(databaseFile::restore(database_, in("wrong.db3")));
     killBehind(halfATransaction, aside_);
-    QVERIFY(databaseFile::restore(database_, backup_));
-    QCOMPARE(runsIn(database_), newRun);
-    QCOMPARE(runsIn(aside_), "wrong 400");
-    QCOMPARE(runsIn(earlier_), oldRun);
+    for (int i = 0; i < 3; ++i) {  // pressing it again and again pushes nothing out
+      const databaseFile::Result restored = databaseFile::restore(database_, backup_);
+      QCOMPARE(restored.kept, i == 0 ? aside_ : i == 1 ? QString() : earlier_);
+      QCOMPARE(runsIn(database_), newRun);
+      QCOMPARE(runsIn(aside_), "wrong 400");
+      QCOMPARE(runsIn(earlier_), oldRun);
+      QVERIFY(i != 1 || (QFile::remove(database_) && QFile::copy(earlier_, database_)));
+    }
+    QVERIFY(QFile::setPermissions(earlier_, QFile::ReadOwner));
+    QVERIFY(databaseFile::restore(database_, earlier_));
+    QCOMPARE(runsIn(database_) + runsIn(earlier_), oldRun + newRun);
+    QVERIFY(QFile::permissions(database_).testFlag(QFile::WriteOwner));
   }
 
   // Files that something is wrong with: in the place of the database, looked at, chosen.
