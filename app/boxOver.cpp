@@ -1,9 +1,29 @@
 #include "app/boxOver.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
 #include <QEventLoop>
+#include <QKeyEvent>
+
+namespace {
+
+/// The window's command that ends the program, when the event is its key.
+QAction* quitCommand(const QWidget* window, const QEvent& event) {
+  if (window == nullptr || event.type() != QEvent::ShortcutOverride) {
+    return nullptr;
+  }
+  const QKeySequence pressed(static_cast<const QKeyEvent&>(event).keyCombination());
+  for (QAction* action : window->findChildren<QAction*>()) {
+    if (action->menuRole() == QAction::QuitRole && action->shortcut() == pressed) {
+      return action;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
 
 BoxOver::BoxOver(QDialog* dialog, QWidget* window)
     : QObject(dialog), dialog_(dialog), window_(window) {
@@ -34,7 +54,15 @@ bool BoxOver::eventFilter(QObject* watched, QEvent* event) {
       return false;
   }
   const auto* widget = qobject_cast<const QWidget*>(watched);
-  if (widget == nullptr || !dialog_->isVisible() || widget->window() != window_) {
+  if (widget == nullptr || !dialog_->isVisible()) {
+    return false;
+  }
+  // Also where the dialog has a question of its own above it.
+  if (QAction* quit = quitCommand(window_, *event)) {
+    quit->trigger();
+    return true;
+  }
+  if (widget->window() != window_) {
     return false;
   }
   if (event->type() == QEvent::MouseButtonPress) {

@@ -7,8 +7,9 @@
 class QDialog;
 
 /// Keeps mouse and keyboard from a window as long as a dialog stands over it, as a modal dialog
-/// does, except that the window can still be closed: the desktop hands a close request to no window
-/// that a modal one blocks. Lives as long as the dialog. Main thread.
+/// does, except that the window can still be closed, also by the key of its action with the quit
+/// role: the desktop hands a close request to no window that a modal one blocks. Lives as long as
+/// the dialog. Main thread.
 class BoxOver : public QObject {
   Q_OBJECT
 
