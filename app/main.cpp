@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 #include "app/TrakkoAppDelegate.h"
+#include "app/application.h"
 #include "app/commandLine.h"
 #include "app/messageBoxes.h"
 #include "app/profileLink.h"
@@ -102,7 +103,7 @@ int main(int argc, char* argv[]) {
   registerMapScheme();
   setUpWebEngine();
   shareHeaps();
-  QApplication application(argc, argv);
+  Application application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Trakko"));
   QApplication::setApplicationVersion(QStringLiteral(TRAKKO_VERSION));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.morvel.Trakko"));

@@ -1,3 +1,4 @@
+#include "app/application.h"
 #include "app/messageBoxes.h"
 #include "app/shortText.h"
 #include "app/statusLine.h"
@@ -78,12 +79,13 @@ class tst_window : public QObject {
   }
 
   void questions_data() {
-    // "answer": a key, 1 for the button, 0 for closing the window
+    // "answer": a key, 1 for the button, 0 for closing the window, 2 for the key that does so
     const auto row = columns<int, bool>("answer", "erases");
     row("Return keeps", int(Qt::Key_Return), false);
     row("Escape keeps", int(Qt::Key_Escape), false);
     row("the button erases", 1, true);
     row("closing the window keeps and quits", 0, false);
+    row("Ctrl+Q keeps and quits", 2, false);
   }
   void questions() {
     QFETCH(int, answer);
@@ -100,6 +102,8 @@ class tst_window : public QObject {
         fixture.window->close();
       } else if (answer == 1) {
         box->buttons().constLast()->click();
+      } else if (answer == 2) {
+        QTest::keyClick(box, Qt::Key_Q, Qt::ControlModifier);
       } else {
         QTest::keyClick(box, static_cast<Qt::Key>(answer));
       }
@@ -111,6 +115,22 @@ class tst_window : public QObject {
     });
     QCoreApplication::exec();
     QTEST(erases, "erases");
+  }
+
+  // What fails in a command ends that, and nothing else.
+  void failuresInsideCommands() {
+    StartedWindow fixture(1);
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    fixture.dialogs->fileAnswer = fixture.file("run.TCX");
+    fixture.dialogs->duringPanel = [] { throw std::bad_alloc(); };
+    QTest::keySequence(fixture.window.get(), QKeySequence("Ctrl+T"));
+    fixture.settle();
+    const QString line = fixture.controller->statusLine->text();
+    QVERIFY2(line.contains("内部エラー"), qUtf8Printable(line));
+    QVERIFY(QDir(fixture.folder.path()).entryList({"run*"}).isEmpty());
+    fixture.dialogs->duringPanel = {};
+    QTest::keySequence(fixture.window.get(), QKeySequence("Ctrl+T"));
+    QVERIFY(QFile::exists(fixture.file("run.TCX")));
   }
 
   void keptState_data() {
@@ -141,5 +161,9 @@ class tst_window : public QObject {
   }
 };
 
-QTEST_MAIN(tst_window)
+int main(int argc, char** argv) {
+  const Application application(argc, argv);
+  tst_window test;
+  return QTest::qExec(&test, argc, argv);
+}
 #include "tst_window.moc"

@@ -20,6 +20,7 @@ class ScriptedDialogs : public Dialogs {
   bool confirmAnswer = false;
   QString fileAnswer;                    ///< Null cancels the panels.
   std::function<void()> duringQuestion;  ///< What happens while the question stands.
+  std::function<void()> duringPanel;     ///< And while a file is chosen.
 
   void message(const QString& text) override {
     const std::lock_guard lock(mutex_);
@@ -38,6 +39,9 @@ class ScriptedDialogs : public Dialogs {
   }
   QString fileToSave(const QString& title, const QString& name, const QString& type) override {
     panels << title + u'|' + name + u'|' + type;
+    if (duringPanel) {
+      duringPanel();
+    }
     return fileAnswer;
   }
   QString fileToOpen(const QString& title, const QString& type) override {
