@@ -7,6 +7,7 @@
 #include "app/exportManyDialog.h"
 #include "app/manyExport.h"
 #include "app/tableKeys.h"
+#include "base/detachThread.h"
 #include "export/offsetText.h"
 #include "ui_MainWindow.h"
 
@@ -17,6 +18,7 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <functional>
 #include <utility>
 
 void MainWindow::connectCommands() {
@@ -24,7 +26,10 @@ void MainWindow::connectCommands() {
   // before a command acts on it.
   const auto on = [this](QAction* action, void (TrakkoAppDelegate::*command)()) {
     connect(action, &QAction::triggered, controller_, &TrakkoAppDelegate::followSelection);
-    connect(action, &QAction::triggered, controller_, command);
+    connect(action, &QAction::triggered, controller_, [controller = controller_, command] {
+      // A failure stays out of the toolkit, which would put nothing in order on its way.
+      runGuarded("main", std::bind_front(command, controller));
+    });
   };
   on(ui_->actionDownload, &TrakkoAppDelegate::downloadDataBu);
   on(ui_->actionDeleteOne, &TrakkoAppDelegate::deleteOneData);
