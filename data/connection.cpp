@@ -1,6 +1,7 @@
 #include "data/connection.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <initializer_list>
 #include <sqlite3.h>
@@ -31,9 +32,11 @@ void FinalizeStatement::operator()(sqlite3_stmt* statement) const {
 }
 
 int openDatabase(const QString& path, int flags, Connection& connection) {
+  // Beside the file itself, where SQLite looks for them, not beside a link to it.
+  const QString file = QFileInfo(path).canonicalFilePath();
   for (const QString& companion : companions) {
-    if (!canBeOpened(path + companion)) {
-      qCWarning(dataLog).noquote() << "no file:" << path + companion;
+    if (!canBeOpened(file + companion)) {
+      qCWarning(dataLog).noquote() << "no file:" << file + companion;
       return SQLITE_CANTOPEN;
     }
   }

@@ -49,9 +49,9 @@ schemaCheck::Finding inspect(const QString& chosen);
 /// there before as beforeEarlierRestore(database); the place is never empty. On failure the old one
 /// stays where it is. Restoring the database from itself changes nothing. A file in the place that
 /// is no database takes no other's name: when an earlier restore has kept one, it is kept as
-/// damagedBeforeRestore(database), as what is no file always is. Nothing is put aside when its
-/// bytes are those of `chosen` or of one of the first two. `chosen` may be one of the first
-/// two: then it and the database change names.
+/// damagedBeforeRestore(database), as what is no file always is. Nothing is put aside when it
+/// is empty or its bytes are those of `chosen` or of one of the first two. `chosen` may be one of
+/// the first two, or equal one: then that and the database change names.
 Result restore(const QString& database, const QString& chosen, const Watcher& watcher = {});
 
 /// Where the last restore has put the database that was there: "gpsData-before-restore.db3" beside

@@ -131,6 +131,13 @@ QString placeForDamaged(const QString& database, bool isFile) {
   return place;
 }
 
+bool isCopyOf(const QString& database, const HeldDatabase& held, const NewFile& copy) {
+  return isAlone(database) &&
+         isEqual(held, copy.size(), [&](char* bytes, int count, qint64 offset) {
+           return copy.read(bytes, count, offset);
+         });
+}
+
 /// Puts the new file in the place of the database, which is put aside first.
 Result replaceKeeping(const QString& database, const HeldDatabase& held, NewFile& copy,
                       const Watcher& watcher) {
@@ -210,13 +217,6 @@ Result replaceOddity(const QString& database, NewFile& copy, const Watcher& watc
   return replaced ? keptAs(aside) : replaced;
 }
 
-bool isCopyOf(const QString& database, const HeldDatabase& held, const NewFile& copy) {
-  return isAlone(database) &&
-         isEqual(held, copy.size(), [&](char* bytes, int count, qint64 offset) {
-           return copy.read(bytes, count, offset);
-         });
-}
-
 /// The name under which an earlier restore has kept the very bytes of the database; null when it is
 /// needed itself.
 QString keptAlready(const QString& database, const HeldDatabase& held) {
@@ -236,6 +236,19 @@ QString keptAlready(const QString& database, const HeldDatabase& held) {
   return {};
 }
 
+/// Whether an earlier restore has put aside, as `kept`, what comes back now.
+bool comesBack(const QString& database, const QString& kept, const QString& chosen,
+               const NewFile& copy) {
+  if (isSameFile(kept, chosen)) {
+    return true;
+  }
+  if (!isPlainFile(kept) || isSameFile(kept, database)) {
+    return false;
+  }
+  const HeldDatabase other(kept, HeldDatabase::Against::changes);
+  return other.result() != SQLITE_BUSY && isCopyOf(kept, other, copy);
+}
+
 /// Puts the new file in the place of the database, if there is one.
 Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
                  const Watcher& watcher) {
@@ -253,7 +266,8 @@ Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
   }
   // Put aside once more, it would push out another: whoever restores one file again and again keeps
   // what was there before.
-  if (isCopyOf(database, held, copy)) {
+  const bool isNothing = held.size() == 0 && isAlone(database);
+  if (isNothing || isCopyOf(database, held, copy)) {
     return fillPlace(database, copy, watcher);
   }
   if (const QString kept = keptAlready(database, held); !kept.isNull()) {
@@ -264,7 +278,7 @@ Result takePlace(const QString& database, const QString& chosen, NewFile& copy,
     return replaceKeeping(database, held, copy, watcher);
   }
   for (const QString& kept : {beforeRestore(database), beforeEarlierRestore(database)}) {
-    if (isSameFile(kept, chosen)) {
+    if (comesBack(database, kept, chosen, copy)) {
       return exchange(database, kept, held, copy, watcher);
     }
   }

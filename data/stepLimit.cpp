@@ -3,6 +3,7 @@
 #include "data/connection.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -10,13 +11,20 @@ namespace {
 constexpr qint64 stepsPerByte = 50;
 constexpr qint64 stepsOfAnyFile = 10'000'000;
 
+/// Bytes of the write-ahead log, whose pages belong to the database.
+qint64 sizeOfLog(sqlite3* connection) {
+  const char* const file = sqlite3_db_filename(connection, "main");
+  struct stat found {};
+  return file != nullptr && stat(sqlite3_filename_wal(file), &found) == 0 ? found.st_size : 0;
+}
+
 }  // namespace
 
 void StepLimit::attachTo(sqlite3* connection) {
   if (connection == nullptr) {
     return;
   }
-  most_ = stepsOfAnyFile + stepsPerByte * fileSize(connection);
+  most_ = stepsOfAnyFile + stepsPerByte * (fileSize(connection) + sizeOfLog(connection));
   left_ = most_;
   const auto begin = [](unsigned /*event*/, void* limit, void* /*statement*/, void* /*text*/) {
     auto* const self = static_cast<StepLimit*>(limit);
