@@ -1,4 +1,4 @@
-// The bulk export of the window: what the dialog offers, the files and the line at the end.
+// Many runs at once from the window: what the dialog offers, the files and the line at the end.
 
 #include "app/exportManyDialog.h"
 #include "app/totalsPane.h"
