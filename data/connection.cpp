@@ -33,7 +33,8 @@ void FinalizeStatement::operator()(sqlite3_stmt* statement) const {
 
 int openDatabase(const QString& path, int flags, Connection& connection) {
   // Beside the file itself, where SQLite looks for them, not beside a link to it.
-  const QString file = QFileInfo(path).canonicalFilePath();
+  const QString found = QFileInfo(path).canonicalFilePath();
+  const QString file = found.isEmpty() ? path : found;
   for (const QString& companion : companions) {
     if (!canBeOpened(file + companion)) {
       qCWarning(dataLog).noquote() << "no file:" << file + companion;
@@ -49,13 +50,13 @@ int openDatabase(const QString& path, int flags, Connection& connection) {
 
 qint64 fileSize(sqlite3* connection) {
   sqlite3_file* file = nullptr;
-  sqlite3_int64 bytes = 0;
+  sqlite3_int64 bytes = -1;
   const bool told =
       connection != nullptr &&
       sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
       file != nullptr && file->pMethods != nullptr &&
       file->pMethods->xFileSize(file, &bytes) == SQLITE_OK;
-  return told ? bytes : 0;
+  return told ? bytes : -1;
 }
 
 bool execute(sqlite3* connection, const char* sql) {

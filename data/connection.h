@@ -32,7 +32,7 @@ extern const std::array<QString, 3> companions;
 /// it nothing is opened.
 int openDatabase(const QString& path, int flags, Connection& connection);
 
-/// Bytes of the open file, 0 when it cannot be told or `connection` is null.
+/// Bytes of the open file, -1 when it cannot be told or `connection` is null.
 qint64 fileSize(sqlite3* connection);
 
 /// Executes all statements of the text. False when one fails or `connection` is null.

@@ -63,12 +63,7 @@ QString HeldDatabase::message() const {
 }
 
 qint64 HeldDatabase::size() const {
-  sqlite3_int64 bytes = -1;
-  if (file_ == nullptr || file_->pMethods == nullptr ||
-      file_->pMethods->xFileSize(file_, &bytes) != SQLITE_OK) {
-    return -1;
-  }
-  return bytes;
+  return fileSize(connection_.get());
 }
 
 bool HeldDatabase::read(char* bytes, int count, qint64 offset) const {

@@ -24,7 +24,8 @@ void StepLimit::attachTo(sqlite3* connection) {
   if (connection == nullptr) {
     return;
   }
-  most_ = stepsOfAnyFile + stepsPerByte * (fileSize(connection) + sizeOfLog(connection));
+  most_ = stepsOfAnyFile +
+          stepsPerByte * (qMax<qint64>(0, fileSize(connection)) + sizeOfLog(connection));
   left_ = most_;
   const auto begin = [](unsigned /*event*/, void* limit, void* /*statement*/, void* /*text*/) {
     auto* const self = static_cast<StepLimit*>(limit);
